@@ -1,0 +1,203 @@
+#include "PmComponent.h"
+
+#include <stdexcept>
+#include <string_view>
+
+#include "PmEventConsumer.h"
+#include "PmLog.h"
+#include "PmUtils.h"
+#include "Portal.h"
+#include "VorException.h"
+
+namespace VorPm {
+
+namespace {
+
+constexpr char componentName[] = "VorPmComponent";
+constexpr KelReturnT noConfigurationPath = -8;
+
+KelMgmtSpiInterface_1 requiredInterfaces[] = {
+    {nullptr, "KelMwSpiTrace", nullptr},
+    {nullptr, "VorMwSpiLog", "1"},
+    {"KelOamSpiEventService", "KelOamSpiEventRouter", "1"},
+    {"KelOamSpiTransactionService", "KelOamSpiTransactionMaster", "1"},
+    {"VorOamSpiExtCmRouterService", "VorOamSpiManagedObject", "1"},
+};
+KelMgmtSpiInterface_1 optionalInterfaces[] = {
+    {nullptr, "VorOamSpiPm", "1"},
+    {nullptr, "VorOamSpiPm", "2"},
+};
+
+/// A step of the start that failed in a way that leaves no choice but to refuse the start.
+class StartRefused : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The framework's callbacks: nothing thrown may reach it.
+KelReturnT startCallback(KelStateChangeReason reason) {
+    try {
+        return VorPmComponent::instance().start(reason);
+    } catch (...) {
+        LOG_ERROR("Unhandled Exception while starting VorPmComponent");
+        return VorReturnFailed;
+    }
+}
+
+KelReturnT stopCallback(KelStateChangeReason reason) {
+    try {
+        return VorPmComponent::instance().stop(reason);
+    } catch (...) {
+        LOG_ERROR("Caught unhandled exception when stopping VorPmComponent");
+        return VorReturnFailed;
+    }
+}
+
+}  // namespace
+
+VorPmComponent::VorPmComponent() : KelComponent(componentName, &startCallback, &stopCallback) {
+    // Both are used by the destructor and have to outlive it.
+    Vor::LoggingWrapper::instance();
+    PmEventConsumer::instance();
+    if (std::string_view(Vor::Portal::COMP_ID.componentName) != componentName) {
+        dependencies.push_back(&Vor::Portal::COMP_ID);
+    }
+    for (KelMgmtSpiInterface_1& interface : requiredInterfaces) {
+        dependencies.push_back(&interface);
+    }
+    for (KelMgmtSpiInterface_1& interface : optionalInterfaces) {
+        optionalDependencies.push_back(&interface);
+    }
+}
+
+VorPmComponent::~VorPmComponent() {
+    cleanup();
+}
+
+KelReturnT VorPmComponent::initialize(const char* configPath) {
+    LOG_TRACE(" >> ");
+    if (configPath == nullptr) {
+        return noConfigurationPath;
+    }
+    const KelReturnT result = configHandler.load(configPath);
+    LOG_TRACE(" << ");
+    return result;
+}
+
+KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
+    LOG_TRACE(" >> Reason: %d", reason);
+    LOG_TRACE("Starting Pm Component");
+    try {
+        if (dataCollector != nullptr) {
+            cleanup();
+        }
+        if (connectDataCollector() == VorReturnAbsent) {
+            return VorReturnOk;
+        }
+        prepareReportStorage();
+        startTaskManager();
+        const KelReturnT result = PmEventConsumer::instance().start(portalV3);
+        if (result != VorReturnOk) {
+            LOG_ERROR("Failed to start event consumer! (retval: %d)", result);
+            cleanup();
+            return result;
+        }
+    } catch (const StartRefused& refusal) {
+        LOG_ERROR("%s", refusal.what());
+        return VorReturnFailed;
+    } catch (const Vor::VorException& fault) {
+        LOG_ERROR("Vor Exception while starting VorPmComponent: %s", fault.what());
+        cleanup();
+        return VorReturnFailed;
+    } catch (...) {
+        LOG_ERROR("Unhandled Exception while starting VorPmComponent");
+        cleanup();
+        return VorReturnFailed;
+    }
+    LOG_TRACE(" << Retval: %d", VorReturnOk);
+    return VorReturnOk;
+}
+
+/// -2 when the node has no PM service.
+KelReturnT VorPmComponent::connectDataCollector() {
+    if (portalV1 == nullptr) {
+        throw Vor::VorException("No management portal of version 1");
+    }
+    dataCollector = std::make_unique<PmDataCollector>(*portalV1);
+    const KelReturnT result = dataCollector->init();
+    if (result != VorReturnOk) {
+        dataCollector.reset();
+    }
+    if (result == VorReturnFailed) {
+        throw StartRefused("Error fetching Pm root dn or PmMeasurementCapabilities. PM will fail to start.");
+    }
+    return result;
+}
+
+void VorPmComponent::prepareReportStorage() {
+    if (!createFoldersForReportStorage()) {
+        throw StartRefused("Error establishing storage location for PM reportfiles. PM will fail to start.");
+    }
+    if (!createSymLinkForNobackup()) {
+        throw StartRefused("Error creating symlink from internalroot to no-backup PM will fail to start.");
+    }
+}
+
+void VorPmComponent::startTaskManager() {
+    taskManager = std::make_unique<PmTaskManager>(*dataCollector, configHandler);
+    taskManagerThread.start(*taskManager);
+    taskManagerThreadStarted = true;
+    PmEventConsumer::instance()._taskManager = taskManager.get();
+}
+
+KelReturnT VorPmComponent::stop(KelStateChangeReason /*reason*/) {
+    LOG_TRACE(" >> ");
+    const KelReturnT result = cleanup();
+    LOG_TRACE(" << Retval: %d", result);
+    return result;
+}
+
+KelReturnT VorPmComponent::cleanup() {
+    try {
+        KelReturnT result = PmEventConsumer::instance().stop();
+        if (taskManager != nullptr) {
+            const KelReturnT stopped = taskManager->stop();
+            if (result == VorReturnOk) {
+                result = stopped;
+            }
+            if (taskManagerThreadStarted) {
+                taskManagerThread.join();
+                taskManagerThreadStarted = false;
+            }
+            taskManager.reset();
+        }
+        dataCollector.reset();
+        return result;
+    } catch (...) {
+        LOG_ERROR("Caught unhandled exception when stopping VorPmComponent");
+        return VorReturnFailed;
+    }
+}
+
+void VorPmComponent::terminate() {
+    LOG_TRACE(" >> ");
+    LOG_TRACE(" << ");
+}
+
+}  // namespace VorPm
+
+KelReturnT kelLCMinit(KelMgmtSpiPortalAccessor* accessor, const char* configPath) {
+    try {
+        return VorPm::VorPmComponent::instance().lcmInit(accessor, configPath);
+    } catch (...) {
+        return VorReturnFailed;
+    }
+}
+
+void kelLCMterminate() {
+    try {
+        VorPm::VorPmComponent::instance().lcmTerminate();
+    } catch (...) {
+        // The framework's own operation failed; there is nobody to tell.
+    }
+}

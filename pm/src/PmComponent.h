@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Poco/Thread.h>
+
+#include <memory>
+
+#include "KelComponent.h"
+#include "PmConfigHandler.h"
+#include "PmDataCollector.h"
+#include "PmTaskManager.h"
+#include "VorMgmtSpiPortal.h"
+
+namespace VorPm {
+
+/// The component: brings the PM function up and down as the framework says. Process-wide; the framework's thread
+/// only. The configuration and the registration live as long as it does, everything else from start to stop.
+class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
+  public:
+    /// A component that was not stopped is cleaned up.
+    ~VorPmComponent();
+
+    /// Loads the configuration. 0, -1 when it cannot be used, -8 without a path.
+    KelReturnT initialize(const char* configPath);
+
+    /// 0 when the PM function is up, and also when the node has no PM service: the component is idle then. -1 with
+    /// a message otherwise; `stop` cleans up.
+    KelReturnT start(KelStateChangeReason reason);
+    KelReturnT stop(KelStateChangeReason reason);
+
+    /// Ends the subscription and the worker and gives up what `start` made. 0, or -1 with a message.
+    KelReturnT cleanup();
+    void terminate();
+
+  private:
+    friend class Vor::Singleton<VorPmComponent>;
+    VorPmComponent();
+
+    KelReturnT connectDataCollector();
+    void prepareReportStorage();
+    void startTaskManager();
+
+    std::unique_ptr<PmTaskManager> taskManager;
+    Poco::Thread taskManagerThread;
+    bool taskManagerThreadStarted = false;
+    std::unique_ptr<PmDataCollector> dataCollector;
+    PmConfigHandler configHandler;
+};
+
+}  // namespace VorPm
+
+extern "C" {
+/// Registers the component and loads its configuration from the file `configPath`. 0 on success; -1 without a
+/// version-3 portal; the registration's or the configuration's code otherwise.
+__attribute__((visibility("default"))) KelReturnT kelLCMinit(KelMgmtSpiPortalAccessor* accessor,
+                                                             const char* configPath);
+/// Unregisters the component, which has been stopped.
+__attribute__((visibility("default"))) void kelLCMterminate();
+}

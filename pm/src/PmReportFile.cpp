@@ -1,0 +1,77 @@
+#include "PmReportFile.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace VorPm {
+
+namespace {
+
+constexpr mode_t newFileMode = 0666;
+
+/// What the file holds on the disk; -1 when it is not known.
+long sizeOnDisk(std::FILE* file) {
+    struct stat status {};
+    return ::fstat(::fileno(file), &status) == 0 ? static_cast<long>(status.st_size) : -1;
+}
+
+}  // namespace
+
+bool PmReportFile::open(const std::string& path) {
+    const int descriptor =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, newFileMode);
+    if (descriptor < 0) {
+        return false;
+    }
+    _file.reset(::fdopen(descriptor, "w"));
+    if (_file == nullptr) {
+        ::close(descriptor);
+        return false;
+    }
+    return true;
+}
+
+bool PmReportFile::write(std::string_view text) {
+    if (std::fwrite(text.data(), 1, text.size(), _file.get()) == text.size()) {
+        return true;
+    }
+    forgetLostEnds();
+    return false;
+}
+
+bool PmReportFile::markGoodEnd() {
+    const long end = position();
+    if (end < 0) {
+        return false;
+    }
+    _goodEnds.push_back(end);
+    return true;
+}
+
+bool PmReportFile::rewind() {
+    // Moving flushes first; when that fails nothing is buffered any more, and moving to what is left succeeds.
+    if (std::fseek(_file.get(), lastGoodPosition(), SEEK_SET) != 0) {
+        forgetLostEnds();
+        if (std::fseek(_file.get(), lastGoodPosition(), SEEK_SET) != 0) {
+            return false;
+        }
+    }
+    return ::ftruncate(::fileno(_file.get()), lastGoodPosition()) == 0;
+}
+
+bool PmReportFile::finish() {
+    const bool flushed = std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
+                         sizeOnDisk(_file.get()) == position();
+    return std::fclose(_file.release()) == 0 && flushed;
+}
+
+void PmReportFile::forgetLostEnds() {
+    const long held = sizeOnDisk(_file.get());
+    while (!_goodEnds.empty() && _goodEnds.back() > held) {
+        _goodEnds.pop_back();
+    }
+    std::clearerr(_file.get());
+}
+
+}  // namespace VorPm

@@ -1,0 +1,383 @@
+#include "PmReportWriter.h"
+
+#include <cerrno>
+#include <ios>
+
+#include "PmLog.h"
+#include "PmPublishing.h"
+#include "PmReportNames.h"
+#include "PmReportNumbers.h"
+#include "PmStorage.h"
+#include "VorException.h"
+
+namespace VorPm {
+
+namespace {
+
+constexpr std::string_view fileFormatVersion = "32.435 V10.0";
+constexpr std::string_view vendorName = "Varden AB";
+constexpr std::string_view measCollecNamespace =
+    "http://www.3gpp.org/ftp/specs/archive/32_series/32.435#measCollec";
+
+constexpr char writeFailure[] = "Error writing to file, errcode-1";
+
+const char* textOf(const char* text) {
+    return text != nullptr ? text : "";
+}
+
+}  // namespace
+
+PmReportWriter::PmReportWriter(const std::string& jobGroup, int compressionType, std::uint64_t beginTime,
+                               std::uint64_t endTime)
+    : _jobGroup(jobGroup), _compressionType(compressionType), _beginTime(beginTime), _endTime(endTime) {
+    LOG_TRACE(" >> ");
+    LOG_TRACE(" << ");
+}
+
+bool PmReportWriter::openFile() {
+    LOG_TRACE(" >> ");
+    buildFilePath();
+    _endTimeStamp = formatTimeStamp(_endTime, _timeForm);
+    if (!createFile()) {
+        LOG_ERROR("Error opening file %s for writing: %s", _filePath.c_str(), std::strerror(errno));
+    }
+    LOG_TRACE(" << ");
+    return _file.isOpen();
+}
+
+void PmReportWriter::buildFilePath() {
+    try {
+        _filePath = getReportFileTempLocation() + "/" + createFileName();
+    } catch (const Vor::VorException& fault) {
+        LOG_ERROR("Failed fetching temporary report location: %s", fault.what());
+    }
+}
+
+std::string PmReportWriter::createFileName() const {
+    return buildReportName({_beginTime, _endTime, _timeForm, _meId, _jobGroup});
+}
+
+bool PmReportWriter::createFile() {
+    if (createFileName().find('/') != std::string::npos) {
+        errno = EINVAL;
+        return false;
+    }
+    return _file.open(_filePath);
+}
+
+bool PmReportWriter::writeGpData(PmGpData& gp) {
+    return gp._pmData != nullptr ? write<PmSpiV1Traits>(gp) : write<PmSpiV2Traits>(gp);
+}
+
+template <class TraitsT>
+bool PmReportWriter::write(PmGpData& gp) {
+    LOG_TRACE(" >> ");
+    if (!_file.isOpen()) {
+        LOG_ERROR("Attempted to write to file before call to openFile()");
+        return false;
+    }
+    const auto gpId = static_cast<unsigned long long>(gp._gpId);
+    bool written = false;
+    try {
+        if (returnToLastGoodPosition()) {
+            if (_file.lastGoodPosition() == 0) {
+                appendFileHeader();
+            }
+            written = writeMeasData<TraitsT>(gp);
+        }
+    } catch (const std::ios_base::failure& failure) {
+        LOG_ERROR("IO failure writing gp with id %llu, reason: %s", gpId, failure.what());
+    } catch (const InterruptException&) {
+        LOG_ERROR("Interrupted while trying to write to file with id %llu", gpId);
+    } catch (...) {
+        LOG_ERROR("Caught unknown exception while trying to write file with id %llu", gpId);
+    }
+    LOG_TRACE(" << ");
+    return written;
+}
+
+/// What an earlier GP left behind when it failed must not stand between the GPs that are complete.
+bool PmReportWriter::returnToLastGoodPosition() {
+    if (_file.position() != _file.lastGoodPosition() && !_file.rewind()) {
+        LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+template <class TraitsT>
+bool PmReportWriter::writeMeasData(PmGpData& gp) {
+    const auto& data = gp.getPmData<typename TraitsT::PmGpDataRecord>();
+    for (std::uint32_t i = 0; i < data.nrOfMeasObjClasses; ++i) {
+        writeMeasInfo<typename TraitsT::PmMeasObjClass>(gp, data.measObjClasses[i]);
+    }
+    if (!_file.markGoodEnd()) {
+        LOG_ERROR("Unable to get the current file position");
+        return false;
+    }
+    return true;
+}
+
+template <class MeasObjClassT>
+void PmReportWriter::writeMeasInfo(const PmGpData& gp, const MeasObjClassT& measClass) {
+    if (measClass.name != nullptr) {
+        writePieces("\t\t<measInfo measInfoId=\"", measClass.name, "\">\n");
+    } else {
+        writePieces("\t\t<measInfo>\n");
+    }
+    appendJobTag(gp._jobId.c_str());
+    appendGranPeriodTag(gp._granularityPeriod);
+    appendRepPeriodTag(gp._reportingPeriod);
+    prepareMeasTypes(measClass);
+    appendMeasTypes();
+    appendMeasValues(measClass);
+    endMeasInfoBlock();
+    cleanMeasTypesMap();
+}
+
+template <class MeasObjClassT>
+void PmReportWriter::prepareMeasTypes(const MeasObjClassT& measClass) {
+    cleanMeasTypesMap();
+    std::uint32_t lastNumber = 0;
+    for (std::uint32_t i = 0; i < measClass.nrOfMeasObjs; ++i) {
+        const auto& object = measClass.measObjs[i];
+        for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
+            checkInterrupt();
+            std::uint32_t& number = _measTypes[textOf(object.values[j].measType)];
+            if (number == 0) {
+                number = ++lastNumber;
+            }
+        }
+    }
+}
+
+template <class MeasObjClassT>
+void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
+    for (std::uint32_t i = 0; i < measClass.nrOfMeasObjs; ++i) {
+        const auto& object = measClass.measObjs[i];
+        writePieces("\t\t\t<measValue measObjLdn=\"", covertSpecialCharactersToEscapeForm(textOf(object.measObjLdn)),
+                    "\">\n");
+        bool suspect = false;
+        for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
+            const auto& value = object.values[j];
+            checkInterrupt();
+            writePieces("\t\t\t\t<r p=\"", _measTypes[textOf(value.measType)], "\">");
+            writeValue(value);
+            writePieces("</r>\n");
+            suspect = suspect || value.isSuspect != 0;
+        }
+        if (suspect) {
+            writePieces("\t\t\t\t<suspect>true</suspect>\n");
+        }
+        writePieces("\t\t\t</measValue>\n");
+    }
+}
+
+void PmReportWriter::checkInterrupt() {
+    if (_interrupted.value() != 0) {
+        LOG_TRACE("Interrupted");
+        throw InterruptException();
+    }
+}
+
+std::string PmReportWriter::covertSpecialCharactersToEscapeForm(const std::string& text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        switch (c) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '\'':
+                escaped += "&apos;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            default:
+                escaped += c;
+        }
+    }
+    return escaped;
+}
+
+bool PmReportWriter::finalizeReport() {
+    LOG_TRACE(" >> ");
+    if (!_file.isOpen()) {
+        return false;
+    }
+    bool complete = false;
+    try {
+        bool atGoodEnd = _file.position() == _file.lastGoodPosition();
+        if (!atGoodEnd) {
+            LOG_WARNING("Found file in broken state, rewinding.");
+            atGoodEnd = _file.rewind();
+            if (!atGoodEnd) {
+                LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
+            }
+        }
+        // Without a complete GP there is nothing to report.
+        if (atGoodEnd && _file.lastGoodPosition() > 0) {
+            appendFileFooter();
+            if (!_file.finish()) {
+                LOG_ERROR("%s", writeFailure);
+                throw std::ios_base::failure(writeFailure);
+            }
+            complete = true;
+        }
+    } catch (const std::ios_base::failure& failure) {
+        LOG_ERROR("IO failure writing gp, reason: %s", failure.what());
+    } catch (...) {
+        LOG_ERROR("Caught unknown exception while trying to write file");
+    }
+    _file.close();
+    LOG_TRACE(" << ");
+    return complete;
+}
+
+void PmReportWriter::publish() {
+    if (_compressionType == GZIP) {
+        publishGzipReport(_filePath);
+    } else {
+        publishReport(_filePath);
+    }
+}
+
+void PmReportWriter::appendFileHeader() {
+    writePieces("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
+                "<?xml-stylesheet type=\"text/xsl\" href=\"MeasDataCollection.xsl\"?>\n",
+                "<measCollecFile xmlns=\"", measCollecNamespace, "\">\n",  //
+                "\t<fileHeader fileFormatVersion=\"", fileFormatVersion, "\" vendorName=\"", vendorName, "\"");
+    if (!_meDnPrefix.empty()) {
+        writePieces(" dnPrefix=\"", _meDnPrefix, "\"");
+    }
+    writePieces(">\n");
+    if (!_meId.empty()) {
+        writePieces("\t\t<fileSender localDn=\"ManagedElement=", _meId, "\"");
+        if (!_elementType.empty()) {
+            writePieces(" elementType=\"", _elementType, "\"");
+        }
+        writePieces("/>\n");
+    }
+    writePieces("\t\t<measCollec beginTime=\"", formatTimeStamp(_beginTime, _timeForm), "\"/>\n",  //
+                "\t</fileHeader>\n");
+    startMeasDataBlock();
+    appendManagedElementTag();
+}
+
+void PmReportWriter::startMeasDataBlock() {
+    writePieces("\t<measData>\n");
+}
+
+void PmReportWriter::appendManagedElementTag() {
+    writePieces("\t\t<managedElement");
+    if (!_meId.empty()) {
+        writePieces(" localDn=\"ManagedElement=", _meId, "\"");
+    }
+    if (!_meUserLabel.empty()) {
+        writePieces(" userLabel=\"", _meUserLabel, "\"");
+    }
+    if (!_swVersion.empty()) {
+        writePieces(" swVersion=\"", _swVersion, "\"");
+    }
+    writePieces("/>\n");
+}
+
+void PmReportWriter::appendJobTag(const char* jobId) {
+    writePieces("\t\t\t<job jobId=\"", jobId, "\"/>\n");
+}
+
+void PmReportWriter::appendGranPeriodTag(TimePeriod period) {
+    writePieces("\t\t\t<granPeriod duration=\"", timePeriod2Str(period), "\" endTime=\"", _endTimeStamp, "\"/>\n");
+}
+
+void PmReportWriter::appendRepPeriodTag(TimePeriod period) {
+    writePieces("\t\t\t<repPeriod duration=\"", timePeriod2Str(period), "\"/>\n");
+}
+
+void PmReportWriter::appendMeasTypes() {
+    for (const auto& [name, number] : _measTypes) {
+        writePieces("\t\t\t<measType p=\"", number, "\">", name, "</measType>\n");
+    }
+}
+
+void PmReportWriter::endMeasInfoBlock() {
+    writePieces("\t\t</measInfo>\n");
+}
+
+void PmReportWriter::endMeasDataBlock() {
+    writePieces("\t</measData>\n");
+}
+
+void PmReportWriter::appendFileFooter() {
+    endMeasDataBlock();
+    writePieces("\t<fileFooter>\n\t\t<measCollec endTime=\"", _endTimeStamp, "\"/>\n\t</fileFooter>\n",
+                "</measCollecFile>\n");
+}
+
+void PmReportWriter::writeValue(const VorOamSpiPmAggregatedValue_1& value) {
+    if (value.isFloat != 0) {
+        writeToFile(value.value.floatValue);
+    } else {
+        writeToFile(value.value.intValue);
+    }
+}
+
+void PmReportWriter::writeValue(const VorOamSpiPmAggregatedValue_2& value) {
+    switch (value.valueType) {
+        case VorOamSpiPmValueType_2::Integer:
+            writeToFile(value.value.intValue);
+            break;
+        case VorOamSpiPmValueType_2::Float:
+            writeToFile(value.value.floatValue);
+            break;
+        case VorOamSpiPmValueType_2::IntegerArray:
+            writeArray(value.value.intValues, value.arraySize);
+            break;
+        case VorOamSpiPmValueType_2::FloatArray:
+            writeArray(value.value.floatValues, value.arraySize);
+            break;
+        case VorOamSpiPmValueType_2::Nil:
+            writeToFile("NIL");
+            break;
+        default:
+            LOG_ERROR("Unknown value type %d", static_cast<int>(value.valueType));
+    }
+}
+
+template <class NumberT>
+void PmReportWriter::writeArray(const NumberT* numbers, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (i > 0) {
+            writeToFile(",");
+        }
+        writeToFile(numbers[i]);
+    }
+}
+
+void PmReportWriter::writeToFile(std::string_view text) {
+    if (!_file.write(text)) {
+        LOG_ERROR("%s", writeFailure);
+        throw std::ios_base::failure(writeFailure);
+    }
+}
+
+void PmReportWriter::writeToFile(std::uint32_t number) {
+    writeToFile(NumberText(number).view());
+}
+
+void PmReportWriter::writeToFile(std::int64_t number) {
+    writeToFile(NumberText(number).view());
+}
+
+void PmReportWriter::writeToFile(double number) {
+    writeToFile(NumberText(number).view());
+}
+
+}  // namespace VorPm

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <Poco/AtomicCounter.h>
+
+#include <cstdint>
+#include <cstring>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "PmGpData.h"
+#include "PmReportFile.h"
+#include "PmTimeTexts.h"
+#include "VorOamSpiPm.h"
+
+namespace VorPm {
+
+/// Thrown and caught within the writer when it is interrupted.
+class InterruptException : public std::runtime_error {
+  public:
+    InterruptException() : std::runtime_error("Interrupted") {}
+};
+
+/// The records of the PM service's versions.
+struct PmSpiV1Traits {
+    using PmGpDataRecord = VorOamSpiPmGpData_1;
+    using PmMeasObjClass = VorOamSpiPmMeasObjClass_1;
+};
+struct PmSpiV2Traits {
+    using PmGpDataRecord = VorOamSpiPmGpData_2;
+    using PmMeasObjClass = VorOamSpiPmMeasObjClass_2;
+};
+
+/// Orders names byte by byte.
+struct CounterCompare {
+    bool operator()(const char* left, const char* right) const { return std::strcmp(left, right) < 0; }
+};
+
+/// Writes one report, a measCollecFile of 3GPP TS 32.435 (format version "32.435 V10.0"), GP by GP into the temporary
+/// folder, and has it published. A GP that fails leaves only its own data out. Owned by the task manager; all
+/// operations but `interrupt` run on the worker. Order: setters, `openFile`, `writeGpData` any number of times,
+/// `finalizeReport`, and `publish` when that returned true.
+class PmReportWriter {
+  public:
+    /// Times in ns since the Unix epoch; they are the report's, whatever the GPs written later say.
+    PmReportWriter(const std::string& jobGroup, int compressionType, std::uint64_t beginTime,
+                   std::uint64_t endTime);
+    PmReportWriter(const PmReportWriter&) = delete;
+    PmReportWriter& operator=(const PmReportWriter&) = delete;
+
+    void setElementType(const std::string& elementType) { _elementType = elementType; }
+    void setSwVersion(const std::string& swVersion) { _swVersion = swVersion; }
+    void setMeDnPrefix(const std::string& meDnPrefix) { _meDnPrefix = meDnPrefix; }
+    void setMeId(const std::string& meId) { _meId = meId; }
+    void setMeUserLabel(const std::string& meUserLabel) { _meUserLabel = meUserLabel; }
+    void setUtcFormat(const bool& utcFormat) { _timeForm = utcFormat ? TimeForm::Utc : TimeForm::Local; }
+
+    /// Creates the report's file; its name is fixed from here on. False, with a message, when it cannot be created.
+    bool openFile();
+
+    /// Appends the GP's data. False, with a message, when it was not written completely.
+    bool writeGpData(PmGpData& gp);
+
+    /// Cuts off an incomplete GP, writes the footer and closes the file. True when a complete report is in the file.
+    bool finalizeReport();
+
+    /// Moves the finished report into the report folder.
+    void publish();
+
+    /// Makes the GP being written, and all later ones, fail at their next value. Any thread.
+    void interrupt() { _interrupted = 1; }
+
+  private:
+    template <class TraitsT>
+    bool write(PmGpData& gp);
+    template <class TraitsT>
+    bool writeMeasData(PmGpData& gp);
+    template <class MeasObjClassT>
+    void writeMeasInfo(const PmGpData& gp, const MeasObjClassT& measClass);
+    template <class MeasObjClassT>
+    void prepareMeasTypes(const MeasObjClassT& measClass);
+    template <class MeasObjClassT>
+    void appendMeasValues(const MeasObjClassT& measClass);
+
+    /// False when the name would lead out of the temporary folder, too.
+    bool createFile();
+    bool returnToLastGoodPosition();
+    void checkInterrupt();
+    void buildFilePath();
+    std::string createFileName() const;
+    static std::string covertSpecialCharactersToEscapeForm(const std::string& text);
+
+    void appendFileHeader();
+    void startMeasDataBlock();
+    void appendManagedElementTag();
+    void appendJobTag(const char* jobId);
+    void appendGranPeriodTag(TimePeriod period);
+    void appendRepPeriodTag(TimePeriod period);
+    void appendMeasTypes();
+    void endMeasInfoBlock();
+    void endMeasDataBlock();
+    void appendFileFooter();
+    void cleanMeasTypesMap() { _measTypes.clear(); }
+
+    void writeValue(const VorOamSpiPmAggregatedValue_1& value);
+    void writeValue(const VorOamSpiPmAggregatedValue_2& value);
+    template <class NumberT>
+    void writeArray(const NumberT* numbers, std::uint32_t count);
+
+    /// The pieces one after the other, texts as they are and numbers in base 10.
+    template <class... PiecesT>
+    void writePieces(const PiecesT&... pieces) {
+        (writeToFile(pieces), ...);
+    }
+    void writeToFile(std::string_view text);
+    void writeToFile(std::uint32_t number);
+    void writeToFile(std::int64_t number);
+    void writeToFile(double number);
+
+    /// Numbers of the measurement types of the class being written; the names are the GP's.
+    std::map<const char*, std::uint32_t, CounterCompare> _measTypes;
+    const std::string _jobGroup;
+    TimeForm _timeForm = TimeForm::Local;
+    /// The one field that other threads touch.
+    Poco::AtomicCounter _interrupted{0};
+    std::string _filePath;
+    PmReportFile _file;
+    const int _compressionType;
+    std::string _meId;
+    std::string _elementType;
+    std::string _swVersion;
+    std::string _meUserLabel;
+    std::string _meDnPrefix;
+    const std::uint64_t _beginTime;
+    const std::uint64_t _endTime;
+    /// The text of `_endTime`, needed once per class.
+    std::string _endTimeStamp;
+};
+
+}  // namespace VorPm
