@@ -1,12 +1,12 @@
 #pragma once
 
-#include <Poco/Bugcheck.h>
-#include <Poco/Condition.h>
-#include <Poco/Mutex.h>
-
 #include <exception>
 #include <string>
 #include <vector>
+
+#include <Poco/Bugcheck.h>
+#include <Poco/Condition.h>
+#include <Poco/Mutex.h>
 
 #include "AutoMemory.h"
 #include "Logging.h"
@@ -57,9 +57,9 @@ class CallbackGate {
     Poco::Condition _left;
 };
 
-/// One subscription to one event type, forwarded to a member function of its subscriber. At most one object of an
-/// instantiation lives at a time. `start` and `stop` run on the component's thread, never inside a callback;
-/// callbacks run on the router's threads. After `stop` no callback is running or will run.
+/// One subscription to one event type, forwarded to a member function of its subscriber. At most one object
+/// of an instantiation lives at a time. `start` and `stop` run on the component's thread, never inside a
+/// callback; callbacks run on the router's threads. After `stop` no callback is running or will run.
 template <class SubscriberT, int instanceNumber>
 class EventConsumer {
   public:
@@ -78,12 +78,19 @@ class EventConsumer {
     void start(const std::vector<NameValuePair>& filter, Method method, SubscriberT& subscriber,
                const char* eventType) {
         LOG_TRACE(" >> ");
-        stop();
+        if (_started) {
+            stop();
+        }
         _eventType = eventType;
         _subscriber = &subscriber;
         _method = method;
         _consumerRecord.notify = &notifyCallback;
-        _started = subscribe(filter);
+        VorOamSpiEventRouter_1* router = getInterface();
+        if (!ask(router, &VorOamSpiEventRouter_1::registerConsumer, &_consumerRecord, &_consumerHandle)) {
+            LOG_ERROR("Could not register consumer");
+        } else if (!subscribe(router, filter)) {
+            LOG_ERROR("Could not add subscription");
+        }
         LOG_TRACE(" << ");
     }
 
@@ -91,7 +98,14 @@ class EventConsumer {
     void stop() {
         LOG_TRACE(" >> ");
         if (_started) {
-            unsubscribe(getInterface());
+            VorOamSpiEventRouter_1* router = getInterface();
+            if (!ask(router, &VorOamSpiEventRouter_1::removeSubscription, _consumerHandle, _eventType.c_str(),
+                     _filter)) {
+                LOG_TRACE("Could not unregister event subscription, eventType %s", _eventType.c_str());
+            }
+            if (!unregister(router)) {
+                LOG_TRACE("Could not unregister event consumer, eventType %s", _eventType.c_str());
+            }
             forgetSubscription();
         }
         LOG_TRACE(" << ");
@@ -102,15 +116,17 @@ class EventConsumer {
                                      KelNameValuePairT** /*filter*/, void* value) {
         LOG_TRACE(" >> ");
         poco_assert(_instance);
-        if (_instance->_gate.enter()) {
+        EventConsumer& consumer = *_instance;
+        if (consumer._gate.enter()) {
+            SubscriberT& subscriber = *consumer._subscriber;
             try {
-                (_instance->_subscriber->*_instance->_method)(eventType, value);
+                (subscriber.*consumer._method)(eventType, value);
             } catch (const std::exception& fault) {
                 LOG_WARNING("Exception thrown from event consumer :%s", fault.what());
             } catch (...) {
                 LOG_WARNING("Unknown exception thrown from event consumer");
             }
-            _instance->_gate.leave();
+            consumer._gate.leave();
         }
         LOG_TRACE(" << ");
         return VorReturnOk;
@@ -122,31 +138,30 @@ class EventConsumer {
         return _portal->getInterface<VorOamSpiEventRouter_1>(router);
     }
 
-    bool subscribe(const std::vector<NameValuePair>& filter) {
-        VorOamSpiEventRouter_1* router = getInterface();
-        if (router == nullptr || router->registerConsumer(&_consumerRecord, &_consumerHandle) != VorReturnOk) {
-            LOG_ERROR("Could not register consumer");
+    /// Has the router carry out an operation. One that is not there, or throws, counts as one that refuses.
+    template <class OperationT, class... ArgumentsT>
+    static bool ask(VorOamSpiEventRouter_1* router, OperationT operation, ArgumentsT... arguments) {
+        try {
+            return router != nullptr && (router->*operation)(arguments...) == VorReturnOk;
+        } catch (...) {
             return false;
         }
-        buildFilter(filter);
-        _gate.open();
-        if (router->addSubscription(_consumerHandle, _eventType.c_str(), _filter) != VorReturnOk) {
-            LOG_ERROR("Could not add subscription");
-            router->unregisterConsumer(_consumerHandle, &_consumerRecord);
-            forgetSubscription();
-            return false;
-        }
-        return true;
     }
 
-    void unsubscribe(VorOamSpiEventRouter_1* router) {
-        if (router == nullptr ||
-            router->removeSubscription(_consumerHandle, _eventType.c_str(), _filter) != VorReturnOk) {
-            LOG_TRACE("Could not unregister event subscription, eventType %s", _eventType.c_str());
+    bool subscribe(VorOamSpiEventRouter_1* router, const std::vector<NameValuePair>& filter) {
+        buildFilter(filter);
+        _gate.open();
+        _started = ask(router, &VorOamSpiEventRouter_1::addSubscription, _consumerHandle, _eventType.c_str(),
+                       _filter);
+        if (!_started) {
+            unregister(router);
+            forgetSubscription();
         }
-        if (router == nullptr || router->unregisterConsumer(_consumerHandle, &_consumerRecord) != VorReturnOk) {
-            LOG_TRACE("Could not unregister event consumer, eventType %s", _eventType.c_str());
-        }
+        return _started;
+    }
+
+    bool unregister(VorOamSpiEventRouter_1* router) {
+        return ask(router, &VorOamSpiEventRouter_1::unregisterConsumer, _consumerHandle, &_consumerRecord);
     }
 
     void forgetSubscription() {
@@ -157,7 +172,8 @@ class EventConsumer {
     }
 
     void buildFilter(const std::vector<NameValuePair>& filter) {
-        _filter = static_cast<KelNameValuePair**>(_memory.allocate(filter.size() + 1, sizeof(KelNameValuePair*)));
+        _filter =
+            static_cast<KelNameValuePair**>(_memory.allocate(filter.size() + 1, sizeof(KelNameValuePair*)));
         for (std::size_t i = 0; i < filter.size(); ++i) {
             _filter[i] = _memory.create<NameValuePair>(filter[i]);
         }

@@ -101,7 +101,10 @@ class MoAccessor : public Transaction {
         if (!result.hasValue()) {
             throw VorException("Attribute has no value set: %s::%s", dn.c_str(), attrName.c_str());
         }
-        refuseSequence(*result.container, dn, attrName);
+        if (result.container->valueCount > 1) {
+            LOG_ERROR("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
+            throw VorException("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
+        }
         validateType(*result.container, getSpiType<T>());
         return extractAttr<T>(result.container->values[0]);
     }
@@ -116,7 +119,10 @@ class MoAccessor : public Transaction {
             return {};
         }
         validateType(*result.container, getSpiType<T>());
-        refuseSequence(*result.container, dn, attrName);
+        if (result.container->valueCount > 1) {
+            LOG_ERROR("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
+            throw VorException("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
+        }
         return {true, extractAttr<T>(result.container->values[0])};
     }
 
@@ -129,8 +135,8 @@ class MoAccessor : public Transaction {
             const T& value = values[i];
             setValue<T>(slots[i], value);
         }
-        const VorMoAttributeValueContainer_3 container{getSpiType<T>(), static_cast<std::uint32_t>(slots.size()),
-                                                       slots.data()};
+        const VorMoAttributeValueContainer_3 container{
+            getSpiType<T>(), static_cast<std::uint32_t>(slots.size()), slots.data()};
         const KelReturnT result =
             _managedObjects.setMoAttribute(getTransaction(), dn.c_str(), attrName.c_str(), &container);
         if (result != VorReturnOk) {
@@ -153,7 +159,8 @@ class MoAccessor : public Transaction {
     MoAccessor(VorLockPolicyT lockPolicy, int timeout);
     ~MoAccessor() override;
 
-    /// Stores the dn of the first instance, the one created first, of the class given by its containment path.
+    /// Stores the dn of the first instance, the one created first, of the class given by its containment
+    /// path.
     void getFirstMoInstance(const std::string& classPath, std::string& dn);
 
     /// Fetches the attribute's container; null or empty when the attribute has no value.
@@ -172,14 +179,6 @@ class MoAccessor : public Transaction {
     static void setValue(VorMoAttributeValue_3& slot, const T& value);
 
   private:
-    static void refuseSequence(const VorMoAttributeValueContainer_3& container, const std::string& dn,
-                               const std::string& attrName) {
-        if (container.valueCount > 1) {
-            LOG_ERROR("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
-            throw VorException("Attribute is a sequence: %s::%s", dn.c_str(), attrName.c_str());
-        }
-    }
-
     const VorOamSpiManagedObject_1& _managedObjects;
 };
 

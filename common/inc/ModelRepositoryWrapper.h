@@ -1,8 +1,8 @@
 #pragma once
 
-#include <Poco/Bugcheck.h>
-
 #include <string>
+
+#include <Poco/Bugcheck.h>
 
 #include "Logging.h"
 #include "Portal.h"

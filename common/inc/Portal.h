@@ -1,8 +1,8 @@
 #pragma once
 
-#include <Poco/Mutex.h>
-
 #include <type_traits>
+
+#include <Poco/Mutex.h>
 
 #include "Logging.h"
 #include "VorMgmtSpiPortal.h"
@@ -18,7 +18,8 @@ class Portal {
     Portal(const Portal&) = delete;
     Portal& operator=(const Portal&) = delete;
 
-    /// The interface's table of operations, owned by its service; null, with a warning, when nobody offers it.
+    /// The interface's table of operations, owned by its service; null, with a warning, when nobody offers
+    /// it.
     template <class InterfaceT>
     InterfaceT* getInterface(const KelMgmtSpiInterface_1& identifier) {
         KelMgmtSpiInterface_1* interface = nullptr;

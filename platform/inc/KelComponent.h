@@ -7,14 +7,14 @@
 
 namespace Vor {
 
-/// What every component shares with the framework: the portals and the registration record. `ComponentT` derives
-/// from it, is held in its process-wide singleton, and provides `initialize(configPath)`, `start(reason)`,
-/// `stop(reason)` and `terminate()`. The framework's thread only.
+/// What every component shares with the framework: the portals and the registration record. `ComponentT`
+/// derives from it, is held in its process-wide singleton, and provides `initialize(configPath)`,
+/// `start(reason)`, `stop(reason)` and `terminate()`. The framework's thread only.
 template <class ComponentT>
 class KelComponent : public Singleton<ComponentT> {
   public:
-    /// Registers the component and initialises it. 0 on success, -1 when the accessor has no version-3 portal,
-    /// else the code of the registration or of `initialize`.
+    /// Registers the component and initialises it. 0 on success, -1 when the accessor has no version-3
+    /// portal, else the code of the registration or of `initialize`.
     KelReturnT lcmInit(KelMgmtSpiPortalAccessor* accessor, const char* configPath) {
         portalAccessor = accessor;
         portalV3 = static_cast<KelMgmtSpiInterfacePortal_3*>(accessor->getPortal("3"));

@@ -1,11 +1,11 @@
 #pragma once
 
+#include <string>
+
 #include <Poco/AutoPtr.h>
 #include <Poco/DOM/Document.h>
 #include <Poco/DOM/Element.h>
 #include <Poco/DOM/NodeList.h>
-
-#include <string>
 
 namespace Vor {
 
@@ -18,8 +18,8 @@ class VorConfiguration {
     VorConfiguration(const VorConfiguration&) = delete;
     VorConfiguration& operator=(const VorConfiguration&) = delete;
 
-    /// Parses the file, in place of what was loaded before. Throws `VorException` naming the file when it cannot
-    /// be read or is not well-formed; nothing is loaded then. External entities are not fetched.
+    /// Parses the file, in place of what was loaded before. Throws `VorException` naming the file when it
+    /// cannot be read or is not well-formed; nothing is loaded then. External entities are not fetched.
     void load(const std::string& path);
     void unload();
 

@@ -14,9 +14,10 @@ typedef KelNameValuePair KelNameValuePairT;
 
 /// What a consumer registers; stays the consumer's, valid until it unregisters.
 struct KelOamSpiEventConsumer {
-    /// Called on the router's threads, several at once. The value belongs to the sender and is valid during the call.
-    KelReturnT (*notify)(KelOamSpiEventConsumerHandleT handle, const char* eventType, KelNameValuePairT** filter,
-                         void* value);
+    /// Called on the router's threads, several at once. The value belongs to the sender and is valid during
+    /// the call.
+    KelReturnT (*notify)(KelOamSpiEventConsumerHandleT handle, const char* eventType,
+                         KelNameValuePairT** filter, void* value);
 };
 
 /// Any thread, but none of the operations from inside a callback. 0 on success.

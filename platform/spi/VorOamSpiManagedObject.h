@@ -17,8 +17,8 @@ enum VorOamSpiMoAttributeType_3 : uint32_t {
 
 struct KelMoNamedAttributeValueContainer_3;
 
-/// One attribute value. Numbers, booleans and enumeration values are held sign-extended in `number`, strings and
-/// references (a dn) in `text`, a struct as a null-terminated array of named members.
+/// One attribute value. Numbers, booleans and enumeration values are held sign-extended in `number`, strings
+/// and references (a dn) in `text`, a struct as a null-terminated array of named members.
 union VorMoAttributeValue_3 {
     int64_t number;
     const char* text;
@@ -40,7 +40,8 @@ struct KelMoNamedAttributeValueContainer_3 {
 };
 typedef KelMoNamedAttributeValueContainer_3 VorMoNamedAttributeValueContainer_3;
 
-/// A container handed out. The receiver owns it and gives it back, with all it points to, by `release(container)`.
+/// A container handed out. The receiver owns it and gives it back, with all it points to, by
+/// `release(container)`.
 struct VorMoAttributeValueResult_3 {
     void (*release)(VorMoAttributeValueContainer_3* container);
     VorMoAttributeValueContainer_3* container;
@@ -49,14 +50,15 @@ struct VorMoAttributeValueResult_3 {
 /// Any thread; one transaction is used by one thread at a time. 0 on success.
 struct VorOamSpiManagedObject_1 {
     KelMgmtSpiInterface_1 identity;
-    /// Writes an attribute in the transaction; the container is lent for the call. An empty container empties it.
+    /// Writes an attribute in the transaction; the container is lent for the call. An empty container empties
+    /// it.
     KelReturnT (*setMoAttribute)(unsigned long txHandle, const char* dn, const char* attributeName,
                                  const VorMoAttributeValueContainer_3* container);
     /// Reads an attribute; a null container in the result stands for "no value".
     KelReturnT (*getMoAttribute)(unsigned long txHandle, const char* dn, const char* attributeName,
                                  VorMoAttributeValueResult_3* result);
-    /// Iterates the objects of a class, given by its containment path, at or below `baseDn` (null: everywhere), in
-    /// the order in which they were created.
+    /// Iterates the objects of a class, given by its containment path, at or below `baseDn` (null:
+    /// everywhere), in the order in which they were created.
     KelReturnT (*newMoIterator)(unsigned long txHandle, const char* baseDn, const char* classPath,
                                 unsigned long long* iterator);
     /// Stores the next object's dn, valid until the iterator is used again; -2 after the last.

@@ -12,7 +12,8 @@ typedef uint64_t VorOamSpiAttributeHandleT;
 
 /// Any thread. 0 on success.
 struct VorOamSpiClassQuery_2 {
-    /// The class of the object that `dn` names, whether or not such an object exists; the null handle when the model has no such class.
+    /// The class of the object that `dn` names, whether or not such an object exists; the null handle when
+    /// the model has no such class.
     KelReturnT (*getClassFromDn)(const char* dn, VorOamSpiClassHandleT* moClass);
     /// -2 when the class has no attributes.
     KelReturnT (*getFirstAttribute)(VorOamSpiClassHandleT moClass, VorOamSpiAttributeHandleT* attribute);

@@ -31,7 +31,13 @@ struct VorOamSpiPmAggregatedValue_1 {
     unsigned char isFloat;
 };
 
-enum class VorOamSpiPmValueType_2 : int32_t { Integer = 0, Float = 1, IntegerArray = 2, FloatArray = 3, Nil = 4 };
+enum class VorOamSpiPmValueType_2 : int32_t {
+    Integer = 0,
+    Float = 1,
+    IntegerArray = 2,
+    FloatArray = 3,
+    Nil = 4
+};
 
 struct VorOamSpiPmAggregatedValue_2 {
     const char* measType;

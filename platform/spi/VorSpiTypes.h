@@ -3,7 +3,8 @@
 
 #include <stdint.h>
 
-/// Result of a platform operation: 0 success, -1 failure, -2 something absent; other codes belong to the service.
+/// Result of a platform operation: 0 success, -1 failure, -2 something absent; other codes belong to the
+/// service.
 typedef int32_t KelReturnT;
 typedef KelReturnT VorReturnT;
 

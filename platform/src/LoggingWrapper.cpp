@@ -17,7 +17,8 @@ void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format, std
     __attribute__((format(printf, 3, 0)));
 
 template <class WriteT>
-void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format, std::va_list arguments) noexcept {
+void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format,
+                 std::va_list arguments) noexcept {
     try {
         const std::string text = formatText(format, arguments);
         record.text = text.c_str();
@@ -38,8 +39,8 @@ void LoggingWrapper::connect(const VorMwSpiLog_1* log, const KelMwSpiTrace* trac
     _trace = trace;
 }
 
-void LoggingWrapper::log(LogLevel level, const char* operation, const char* file, int line, const char* subsystem,
-                         const char* format, ...) noexcept {
+void LoggingWrapper::log(LogLevel level, const char* operation, const char* file, int line,
+                         const char* subsystem, const char* format, ...) noexcept {
     const VorMwSpiLog_1* service = _log;
     if (service == nullptr || !isWritten(level)) {
         return;

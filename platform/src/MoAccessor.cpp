@@ -17,7 +17,8 @@ const InterfaceT& required(const KelMgmtSpiInterface_1& identifier) {
     return *interface;
 }
 
-const KelMgmtSpiInterface_1 transactionMasterId{"KelOamSpiTransactionService", "KelOamSpiTransactionMaster", "1"};
+const KelMgmtSpiInterface_1 transactionMasterId{"KelOamSpiTransactionService", "KelOamSpiTransactionMaster",
+                                                "1"};
 const KelMgmtSpiInterface_1 managedObjectId{"VorOamSpiExtCmRouterService", "VorOamSpiManagedObject", "1"};
 
 std::string textOf(const VorMoAttributeValue_3& value) {
@@ -37,7 +38,8 @@ class InstanceIterator {
         const KelReturnT result =
             _managedObjects.newMoIterator(transaction, nullptr, classPath.c_str(), &_iterator);
         if (result != VorReturnOk) {
-            throw VorException(result, "Failed to iterate instances of %s, reason (%d)", classPath.c_str(), result);
+            throw VorException(result, "Failed to iterate instances of %s, reason (%d)", classPath.c_str(),
+                               result);
         }
     }
     ~InstanceIterator() {
@@ -81,7 +83,8 @@ void MoAccessor::getAttrContainer(const std::string& dn, const std::string& attr
     const KelReturnT code =
         _managedObjects.getMoAttribute(getTransaction(), dn.c_str(), attrName.c_str(), &result);
     if (code != VorReturnOk) {
-        throw VorException(code, "Failed to get attribute %s::%s, reason (%d)", dn.c_str(), attrName.c_str(), code);
+        throw VorException(code, "Failed to get attribute %s::%s, reason (%d)", dn.c_str(), attrName.c_str(),
+                           code);
     }
 }
 
@@ -114,7 +117,9 @@ class MoAccessor::Struct::Members {
       public:
         void assign(const VorMoAttributeValueContainer_3& container) {
             _type = container.type;
-            _values.assign(container.values, container.values + container.valueCount);
+            if (container.values != nullptr) {
+                _values.assign(container.values, container.values + container.valueCount);
+            }
             if (_type == VorMoTypeStruct) {
                 throw VorException("A struct within a struct is not supported");
             }
@@ -148,7 +153,8 @@ MoAccessor::Struct::Struct(const Struct& other) = default;
 MoAccessor::Struct& MoAccessor::Struct::operator=(const Struct& other) = default;
 MoAccessor::Struct::~Struct() = default;
 
-VorMoAttributeValueContainer_3 MoAccessor::Struct::getMemberValueContainer(const std::string& memberName) const {
+VorMoAttributeValueContainer_3 MoAccessor::Struct::getMemberValueContainer(
+    const std::string& memberName) const {
     return _members != nullptr ? _members->container(memberName) : VorMoAttributeValueContainer_3{};
 }
 

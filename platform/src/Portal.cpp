@@ -26,8 +26,8 @@ KelReturnT Portal::find(const KelMgmtSpiInterface_1& identifier, KelMgmtSpiInter
 }
 
 VorOamSpiModelRepository* Portal::modelRepository() {
-    static const KelMgmtSpiInterface_1 identifier{"VorOamSpiModelRepositoryService", "VorOamSpiModelRepository",
-                                                  "2"};
+    static const KelMgmtSpiInterface_1 identifier{"VorOamSpiModelRepositoryService",
+                                                  "VorOamSpiModelRepository", "2"};
     Poco::FastMutex::ScopedLock lock(_mutex);
     if (!_modelRepositoryValid && _lookup != nullptr) {
         KelMgmtSpiInterface_1* interface = nullptr;

@@ -12,23 +12,18 @@ using Vor::MoAccessor;
 
 int PmDataCollector::checkForRequiredTarnData() {
     LOG_TRACE(" >> ");
+    const char* failure = "Unable to get PM root DN";
     try {
-        openAccessor().getFirstMoInstance("ManagedElement,SystemFunctions,Pm", pmRootDn);
+        MoAccessor accessor = openAccessor();
+        accessor.getFirstMoInstance("ManagedElement,SystemFunctions,Pm", pmRootDn);
+        failure = "Unable to get PmMeasurementCapabilities";
+        accessor.getFirstMoInstance("ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities",
+                                    pmMeasurementCapabilitiesDn);
     } catch (const Vor::VorException& fault) {
-        LOG_ERROR("Unable to get PM root DN %s", fault.what());
+        LOG_ERROR("%s %s", failure, fault.what());
         return VorReturnFailed;
     } catch (...) {
-        LOG_ERROR("Unable to get PM root DN");
-        return VorReturnFailed;
-    }
-    try {
-        openAccessor().getFirstMoInstance("ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities",
-                                          pmMeasurementCapabilitiesDn);
-    } catch (const Vor::VorException& fault) {
-        LOG_ERROR("Unable to get PmMeasurementCapabilities %s", fault.what());
-        return VorReturnFailed;
-    } catch (...) {
-        LOG_ERROR("Unable to get PmMeasurementCapabilities");
+        LOG_ERROR("%s", failure);
         return VorReturnFailed;
     }
     LOG_TRACE(" << ");

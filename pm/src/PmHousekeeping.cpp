@@ -28,9 +28,7 @@ bool isMarker(const std::string& name) {
 /// False when nothing of that name was there any more: a client may delete what it has fetched.
 bool removeIfPresent(Poco::File file) {
     try {
-        if (!file.exists()) {
-            return false;
-        }
+        // Without asking first whether it exists: a link that leads nowhere does not, and has to go all the same.
         file.remove();
         return true;
     } catch (const Poco::FileNotFoundException&) {

@@ -1,0 +1,186 @@
+#include "app/RunStatus.h"
+
+#include <algorithm>
+#include <ctime>
+#include <exception>
+
+#include <Poco/NumberFormatter.h>
+
+#include "LocalTime.h"
+#include "app/ReportFile.h"
+#include "framework/Node.h"
+
+namespace VorNode {
+
+namespace {
+
+/// Reports of one phase appear together; after so long without another the phase is over.
+constexpr Poco::Clock::ClockDiff settleTime = 1 * 1'000'000;
+
+std::string clockText(Poco::Timestamp time) {
+    const std::tm local = localTime(time);
+    char text[sizeof "hh:mm:ss"];
+    std::strftime(text, sizeof text, "%H:%M:%S", &local);
+    return text;
+}
+
+std::string countText(std::size_t count, const std::string& noun) {
+    return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+std::string periodText(std::chrono::seconds period) {
+    const auto seconds = period.count();
+    if (seconds % 3600 == 0) {
+        return std::to_string(seconds / 3600) + " h";
+    }
+    return seconds % 60 == 0 ? std::to_string(seconds / 60) + " min" : std::to_string(seconds) + " s";
+}
+
+std::string describe(const GpInfo& gp) {
+    return "GP " + std::to_string(gp.id) + " of job " + gp.jobId + ", ended " + clockText(gp.end);
+}
+
+}  // namespace
+
+RunStatus::RunStatus(std::ostream& out, std::ostream& errors, Output output)
+    : _out(out), _errors(errors), _output(output) {}
+
+void RunStatus::showStart(const Node& node) {
+    std::lock_guard lock(_mutex);
+    say("node running, storage in " + node.root().path().string());
+    const auto nextEnds = node.pmService().nextPeriodEnds();
+    for (const MeasurementJob& job : node.jobs()) {
+        const auto next = std::find_if(nextEnds.begin(), nextEnds.end(),
+                                       [&job](const auto& end) { return end.jobId == job.id; });
+        std::string classes;
+        for (const std::string& name : job.classes) {
+            classes += (classes.empty() ? "" : ", ") + name;
+        }
+        say("job " + job.id + ": " + classes + " every " + periodText(job.granularityPeriod) +
+            (next != nextEnds.end() ? ", next period ends " + clockText(next->end) : ""));
+    }
+}
+
+void RunStatus::tick(const Node& node) {
+    std::lock_guard lock(_mutex);
+    if (_phase.reports > 0 && _phase.lastReport.isElapsed(settleTime)) {
+        endPhase();
+    }
+    if (_output == Output::Terminal) {
+        showCountdown(node);
+    }
+}
+
+void RunStatus::reportPublished(const std::filesystem::path& path) {
+    std::lock_guard lock(_mutex);
+    ++_phase.reports;
+    _phase.lastReport.update();
+    try {
+        const ReportFacts facts = readReportFacts(path);
+        _phase.values += facts.values;
+        say("published " + path.string() + ": " + std::to_string(facts.bytes) + " bytes, " +
+            countText(facts.blocks, "block") + ", " + countText(facts.values, "value"));
+    } catch (const std::exception&) {
+        say("published " + path.string() + ", and gone again");
+    }
+}
+
+std::size_t RunStatus::phasesPublished() const {
+    std::lock_guard lock(_mutex);
+    return _phasesPublished;
+}
+
+bool RunStatus::showEnd(const Node& node) {
+    std::lock_guard lock(_mutex);
+    if (_phase.open || _phase.reports > 0) {
+        endPhase();
+    }
+    const GpCounts counts = node.pmService().counts();
+    for (const GpInfo& gp : node.pmService().unreleased()) {
+        complain(describe(gp) + ": delivered, but not released");
+    }
+    if (const auto errors = node.log().errorCount(); errors > 0) {
+        complain("the component logged " + countText(errors, "error"));
+    }
+    say("node stopped: " + countText(counts.announced, "GP") + " delivered, " +
+        std::to_string(counts.fetched) + " fetched, " + std::to_string(counts.released) + " released, " +
+        countText(_phasesPublished, "phase") + " published");
+    return _faults == 0;
+}
+
+void RunStatus::gpAnnounced(const GpInfo& gp) {
+    std::lock_guard lock(_mutex);
+    say("ready: " + describe(gp));
+}
+
+void RunStatus::gpWithdrawn(const GpInfo& gp) {
+    std::lock_guard lock(_mutex);
+    say("withdrawn, nobody is subscribed: " + describe(gp));
+}
+
+void RunStatus::gpFetched(const GpInfo& gp) {
+    std::lock_guard lock(_mutex);
+    if (!_phase.open) {
+        _phase.open = true;
+        say("collection phase opened by " + describe(gp));
+    }
+    ++_phase.fetched;
+}
+
+void RunStatus::gpReleased(const GpInfo& /*gp*/) {}
+
+void RunStatus::gpOverdue(const GpInfo& gp) {
+    std::lock_guard lock(_mutex);
+    complain(describe(gp) + ": not released after two periods");
+}
+
+void RunStatus::clockStepped(double seconds) {
+    std::lock_guard lock(_mutex);
+    say("the clock was set by " + Poco::NumberFormatter::format(seconds, 1) +
+        " s: running periods are dropped, the next ones are suspect");
+}
+
+void RunStatus::periodLost(const std::string& jobId, const std::string& reason) {
+    std::lock_guard lock(_mutex);
+    complain("a period of job " + jobId + " is lost: " + reason);
+}
+
+void RunStatus::endPhase() {
+    say("collection phase ended: " + countText(_phase.fetched, "GP") + " fetched, " +
+        countText(_phase.reports, "report") + " published with " + countText(_phase.values, "value"));
+    if (_phase.reports > 0) {
+        ++_phasesPublished;
+    }
+    _phase = Phase{};
+}
+
+void RunStatus::showCountdown(const Node& node) {
+    const auto ends = node.pmService().nextPeriodEnds();
+    const auto next = std::min_element(
+        ends.begin(), ends.end(), [](const auto& left, const auto& right) { return left.end < right.end; });
+    if (next == ends.end()) {
+        return;
+    }
+    const auto seconds = std::max<Poco::Timestamp::TimeDiff>(0, (next->end - Poco::Timestamp()) / 1'000'000);
+    const std::string text =
+        _phase.open ? "collecting ..."
+                    : "next period ends in " + std::to_string(seconds) + " s (" + clockText(next->end) + ")";
+    _out << '\r' << text
+         << std::string(_countdownWidth > text.size() ? _countdownWidth - text.size() : 0, ' ') << std::flush;
+    _countdownWidth = text.size();
+}
+
+void RunStatus::say(const std::string& line) {
+    if (_countdownWidth > 0) {
+        _out << '\r' << std::string(_countdownWidth, ' ') << '\r';
+        _countdownWidth = 0;
+    }
+    _out << clockText(Poco::Timestamp()) << ' ' << line << std::endl;
+}
+
+void RunStatus::complain(const std::string& line) {
+    ++_faults;
+    _errors << "vor-node: " << line << std::endl;
+}
+
+}  // namespace VorNode

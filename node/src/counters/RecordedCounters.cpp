@@ -1,0 +1,110 @@
+#include "counters/RecordedCounters.h"
+
+#include <utility>
+
+#include "counters/JsonNode.h"
+
+namespace VorNode {
+
+namespace {
+
+/// Delivers the same data at every cut.
+class RecordedJob final : public JobMeasurement {
+  public:
+    explicit RecordedJob(MeasurementData data) : _data(std::move(data)) {}
+
+    void begin() override {}
+    MeasurementData cut(Coverage) override { return _data; }
+
+  private:
+    const MeasurementData _data;
+};
+
+std::vector<std::int64_t> readIntegers(const JsonNode& array) {
+    std::vector<std::int64_t> integers;
+    for (const JsonNode& element : array.elements())
+        integers.push_back(element.integer());
+    return integers;
+}
+
+std::vector<double> readNumbers(const JsonNode& array) {
+    std::vector<double> numbers;
+    for (const JsonNode& element : array.elements())
+        numbers.push_back(element.number());
+    return numbers;
+}
+
+Nil readNil(const JsonNode& nil) {
+    if (!nil.boolean())
+        nil.fail("is false; write true, or another value in its place");
+    return {};
+}
+
+MeasuredValue readValue(const JsonNode& node) {
+    std::vector<MeasuredValue> values;
+    if (const auto integer = node.find("int"))
+        values.emplace_back(integer->integer());
+    if (const auto number = node.find("float"))
+        values.emplace_back(number->number());
+    if (const auto integers = node.find("ints"))
+        values.emplace_back(readIntegers(*integers));
+    if (const auto numbers = node.find("floats"))
+        values.emplace_back(readNumbers(*numbers));
+    if (const auto nil = node.find("nil"))
+        values.emplace_back(readNil(*nil));
+    if (values.size() != 1)
+        node.fail("has " + std::to_string(values.size()) +
+                  R"( values; write exactly one of "int", "float", "ints", "floats", "nil")");
+    return values.front();
+}
+
+Measurement readMeasurement(const JsonNode& node) {
+    node.expectKeys({"type", "int", "float", "ints", "floats", "nil", "suspect"});
+    const auto suspect = node.find("suspect");
+    return {node.at("type").text(), readValue(node), suspect && suspect->boolean()};
+}
+
+MeasuredObject readObject(const JsonNode& node) {
+    node.expectKeys({"ldn", "values"});
+    MeasuredObject object{node.at("ldn").text(), {}};
+    for (const JsonNode& value : node.at("values").elements())
+        object.values.push_back(readMeasurement(value));
+    return object;
+}
+
+MeasuredClass readClass(const JsonNode& node) {
+    node.expectKeys({"name", "objects"});
+    MeasuredClass measured;
+    if (const auto name = node.find("name"))
+        measured.name = name->text();
+    for (const JsonNode& object : node.at("objects").elements())
+        measured.objects.push_back(readObject(object));
+    return measured;
+}
+
+MeasurementData readJob(const JsonNode& node) {
+    node.expectKeys({"classes"});
+    MeasurementData data;
+    for (const JsonNode& measured : node.at("classes").elements())
+        data.push_back(readClass(measured));
+    return data;
+}
+
+}  // namespace
+
+RecordedCounters::RecordedCounters(const std::filesystem::path& file) {
+    const nlohmann::json document = loadJson(file);
+    const std::string name = file.string();
+    const JsonNode root(name, document);
+    root.expectKeys({"jobs"});
+    for (const auto& [id, job] : root.at("jobs").members())
+        _jobs.emplace(id, readJob(job));
+}
+
+std::unique_ptr<JobMeasurement> RecordedCounters::startJob(const std::string& jobId,
+                                                           const std::vector<std::string>&) {
+    const auto job = _jobs.find(jobId);
+    return std::make_unique<RecordedJob>(job == _jobs.end() ? MeasurementData{} : job->second);
+}
+
+}  // namespace VorNode

@@ -1,0 +1,109 @@
+#include "framework/Node.h"
+
+#include <stdexcept>
+
+#include "InputError.h"
+#include "LoggingWrapper.h"
+#include "Portal.h"
+#include "framework/NodeConfiguration.h"
+#include "model/ModelFile.h"
+
+namespace VorNode {
+
+Node::Node(const NodeOptions& options, MeasurementProducer& producer, PmServiceListener& listener,
+           std::ostream& log)
+    : _root(options.root),
+      _log(log),
+      _model(loadModel(options.model)),
+      _jobs(readActiveJobs(*_model)),
+      _transactions(*_model),
+      _managedObjects(*_model, _transactions),
+      _modelRepository(*_model),
+      _pmService(loadNodeConfiguration(options.configuration).pmServiceVersions, _jobs, producer, _router,
+                 listener),
+      _framework(_registry),
+      _component(options.library) {
+    Vor::LoggingWrapper::instance().setLevel(options.logLevel);
+    offerServices();
+    _root.serveQueries(options.commands);
+    loadComponent(options);
+}
+
+Node::~Node() {
+    shutDown();
+}
+
+Node::PlatformConnection::PlatformConnection(LogService& log) {
+    Vor::LoggingWrapper::instance().connect(reinterpret_cast<const VorMwSpiLog_1*>(&log.logInterface()),
+                                            reinterpret_cast<const KelMwSpiTrace*>(&log.traceInterface()));
+    Vor::Portal::instance().connect(&InterfaceRegistry::lookUp);
+}
+
+Node::PlatformConnection::~PlatformConnection() {
+    Vor::Portal::instance().connect(nullptr);
+    Vor::LoggingWrapper::instance().connect(nullptr, nullptr);
+}
+
+void Node::offerServices() {
+    // The component's list of dependencies has other names for the router than its look-ups.
+    static const KelMgmtSpiInterface_1 routerAsDependency{"KelOamSpiEventService", "KelOamSpiEventRouter",
+                                                          "1"};
+    _registry.offerAs(Vor::Portal::COMP_ID, Vor::Portal::COMP_ID);
+    _registry.offer(_log.logInterface());
+    _registry.offer(_log.traceInterface());
+    _registry.offer(_router.interface());
+    _registry.offerAs(routerAsDependency, _router.interface());
+    _registry.offer(_transactions.interface());
+    _registry.offer(_managedObjects.interface());
+    _registry.offer(_modelRepository.interface());
+    for (KelMgmtSpiInterface_1* version : _pmService.interfaces()) {
+        _registry.offer(*version);
+    }
+}
+
+void Node::loadComponent(const NodeOptions& options) {
+    const KelReturnT result = _component.init(_framework.portalAccessor(), options.configuration);
+    if (result != VorReturnOk) {
+        throw InputError(options.configuration, 0,
+                         "the component refused this configuration (result " + std::to_string(result) +
+                             "); the log above tells why");
+    }
+    if (const auto missing = _framework.missingDependency()) {
+        throw InputError(options.library, 0,
+                         "the component depends on " + *missing + ", which this node does not offer");
+    }
+}
+
+void Node::start() {
+    _running = true;
+    try {
+        const KelReturnT result = _framework.startComponent();
+        if (result != VorReturnOk) {
+            throw std::runtime_error("the component did not start (result " + std::to_string(result) +
+                                     "); the log above tells why");
+        }
+        _pmService.start();
+    } catch (...) {
+        shutDown();
+        throw;
+    }
+}
+
+void Node::stop() {
+    const KelReturnT result = shutDown();
+    if (result != VorReturnOk) {
+        throw std::runtime_error("the component did not stop cleanly (result " + std::to_string(result) +
+                                 "); the log above tells why");
+    }
+}
+
+KelReturnT Node::shutDown() {
+    if (!_running) {
+        return VorReturnOk;
+    }
+    _running = false;
+    _pmService.stopAnnouncing();
+    return _framework.stopComponent();
+}
+
+}  // namespace VorNode

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "VorOamSpiManagedObject.h"
+#include "model/Model.h"
+#include "services/Service.h"
+#include "services/TransactionService.h"
+
+namespace VorNode {
+
+/// The raw managed-object interface to the model, within transactions. Owned by the application, after the
+/// model and the transaction service. Any thread; one transaction or iterator is used by one thread at a
+/// time. The operations return -2 for an unknown transaction, object or attribute and at an iterator's end;
+/// -1 for null pointers, an unknown iterator, and values that the attribute does not accept.
+class ManagedObjectService : public Service<ManagedObjectService> {
+  public:
+    ManagedObjectService(const Model& model, TransactionService& transactions);
+
+    KelMgmtSpiInterface_1& interface() { return _table.identity; }
+
+  private:
+    /// The objects as they were when the iteration began.
+    struct Iterator {
+        std::vector<std::string> dns;
+        std::size_t next = 0;
+    };
+
+    static KelReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
+                                     const VorMoAttributeValueContainer_3* container);
+    /// A transaction sees what it wrote itself.
+    static KelReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
+                                     VorMoAttributeValueResult_3* result);
+    static KelReturnT newMoIterator(unsigned long txHandle, const char* baseDn, const char* classPath,
+                                    unsigned long long* iterator);
+    static KelReturnT nextMo(unsigned long long iterator, char** dn);
+    static KelReturnT finalizeMoIterator(unsigned long long iterator);
+
+    /// Refuses, with -2, an object or attribute that the model does not have.
+    const AttributeDefinition& requireAttribute(const std::string& dn, const std::string& attribute) const;
+
+    const Model& _model;
+    TransactionService& _transactions;
+    VorOamSpiManagedObject_1 _table;
+
+    /// Guards the two below.
+    std::mutex _mutex;
+    unsigned long long _lastIterator = 0;
+    std::map<unsigned long long, Iterator> _iterators;
+};
+
+}  // namespace VorNode

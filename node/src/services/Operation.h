@@ -1,0 +1,35 @@
+// How the operations of the services' tables are carried out.
+#pragma once
+
+#include "VorSpiTypes.h"
+
+namespace VorNode {
+
+/// Thrown within an operation: it ends with this code.
+struct Refusal {
+    KelReturnT code;
+};
+
+/// Refuses null pointers.
+template <class... PointersT>
+void requirePointers(const PointersT*... pointers) {
+    if ((... || !pointers)) {
+        throw Refusal{VorReturnFailed};
+    }
+}
+
+/// Carries the operation out and contains every exception. 0, the refusal's code, or -1 for another
+/// exception.
+template <class WorkT>
+KelReturnT carryOut(WorkT&& work) noexcept {
+    try {
+        work();
+        return VorReturnOk;
+    } catch (const Refusal& refusal) {
+        return refusal.code;
+    } catch (...) {
+        return VorReturnFailed;
+    }
+}
+
+}  // namespace VorNode
