@@ -172,8 +172,7 @@ class EventConsumer {
     }
 
     void buildFilter(const std::vector<NameValuePair>& filter) {
-        _filter =
-            static_cast<KelNameValuePair**>(_memory.allocate(filter.size() + 1, sizeof(KelNameValuePair*)));
+        _filter = static_cast<KelNameValuePair**>(_memory.allocate(filter.size() + 1, sizeof(*_filter)));
         for (std::size_t i = 0; i < filter.size(); ++i) {
             _filter[i] = _memory.create<NameValuePair>(filter[i]);
         }

@@ -41,17 +41,17 @@ PmTaskManager::PmTaskManager(PmDataCollector& dataCollector, PmConfigHandler& co
       _threadPool("PM Threadpool", minPoolThreads, maxPoolThreads, poolIdleSeconds) {}
 
 PmTaskManager::~PmTaskManager() {
-    {
-        // The pool cannot go while the timer still waits on one of its threads.
-        Poco::Mutex::ScopedLock lock(_queueMutex);
-        _timer.stop();
-    }
-    if (!_writers.empty()) {
-        try {
-            finalizeWriters();
-        } catch (...) {
-            LOG_ERROR("Unexpected exception while publishing the reports that were left open");
+    try {
+        {
+            // The pool cannot go while the timer still waits on one of its threads.
+            Poco::Mutex::ScopedLock lock(_queueMutex);
+            _timer.stop();
         }
+        if (!_writers.empty()) {
+            finalizeWriters();
+        }
+    } catch (...) {
+        LOG_ERROR("Unexpected exception while publishing the reports that were left open");
     }
 }
 

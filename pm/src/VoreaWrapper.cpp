@@ -92,20 +92,19 @@ std::string VoreaWrapper::invoke(const std::vector<std::string>& args) {
     throw Vor::VorException("Failed to invoke: vorea %s, retval %d", serialize(args).c_str(), status);
 }
 
-bool VoreaWrapper::readConfiguration(std::vector<std::string> args, std::string& result) {
+bool VoreaWrapper::readConfiguration(const std::vector<std::string>& args, std::string& result) {
     result = invoke(args);
     return true;
 }
 
-bool VoreaWrapper::readPath(std::vector<std::string> args, std::string& path) {
+bool VoreaWrapper::readPath(const std::vector<std::string>& args, std::string& path) {
     LOG_TRACE(" >> ");
-    const std::string query = serialize(args);
-    bool found = readConfiguration(std::move(args), path);
+    bool found = readConfiguration(args, path);
     if (path.ends_with('\n')) {
         path.pop_back();
     }
     if (path.empty()) {
-        throw Vor::VorException("Empty answer from: vorea %s", query.c_str());
+        throw Vor::VorException("Empty answer from: vorea %s", serialize(args).c_str());
     }
     if (!path.ends_with('/')) {
         path += '/';

@@ -20,11 +20,11 @@ class VoreaWrapper {
     std::string invoke(const std::vector<std::string>& args);
 
     /// `result` = `invoke(args)`; always true.
-    bool readConfiguration(std::vector<std::string> args, std::string& result);
+    bool readConfiguration(const std::vector<std::string>& args, std::string& result);
 
     /// A query for a folder; the path ends in "/". False when nothing of that name exists, with the path set all
     /// the same. Throws like `invoke`, and when the command answers nothing.
-    bool readPath(std::vector<std::string> args, std::string& path);
+    bool readPath(const std::vector<std::string>& args, std::string& path);
     bool readInternalRoot(std::string& path);
     bool readNobackupPath(std::string& path);
 };

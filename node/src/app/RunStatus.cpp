@@ -14,8 +14,8 @@ namespace VorNode {
 
 namespace {
 
-/// Reports of one phase appear together; after so long without another the phase is over.
-constexpr Poco::Clock::ClockDiff settleTime = 1 * 1'000'000;
+/// Reports of one phase appear together; after so long, in microseconds, without another the phase is over.
+constexpr Poco::Clock::ClockDiff settleTime = 1'000'000;
 
 std::string clockText(Poco::Timestamp time) {
     const std::tm local = localTime(time);

@@ -24,11 +24,13 @@ Sample readDisks(const KernelFolders& folders) {
     Sample sample;
     for (const std::string& line : readLines(folders.proc / "diskstats")) {
         const Fields fields = splitFields(line);
-        if (fields.size() < keys + columns)
+        if (fields.size() < keys + columns) {
             continue;
+        }
         const auto counts = parseCounts(std::span(fields).subspan(keys, columns));
-        if (counts.empty())
+        if (counts.empty()) {
             continue;
+        }
         const auto reads = counts[0], readSectors = counts[2], readTime = counts[3];
         const auto writes = counts[4], writtenSectors = counts[6], writeTime = counts[7];
         const auto ioTime = counts[9];

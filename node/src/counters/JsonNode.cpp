@@ -17,8 +17,9 @@ namespace {
 std::string readText(const std::filesystem::path& file) {
     std::ifstream stream(file, std::ios::binary);
     std::ostringstream text;
-    if (!(text << stream.rdbuf()))
+    if (!(text << stream.rdbuf())) {
         throw InputError(file.string(), 0, "cannot be read, or is empty; name a readable JSON file");
+    }
     return text.str();
 }
 
@@ -37,8 +38,9 @@ std::string reasonOf(const json::exception& error) {
 
 std::string listOf(std::initializer_list<const char*> keys) {
     std::string list;
-    for (const char* const key : keys)
+    for (const char* const key : keys) {
         list.append(list.empty() ? "\"" : ", \"").append(key).append("\"");
+    }
     return list;
 }
 
@@ -69,8 +71,9 @@ void JsonNode::fail(const std::string& fault) const {
 void JsonNode::expectKeys(std::initializer_list<const char*> known) const {
     expect(_value.is_object(), "an object {...}");
     for (const auto& [key, value] : _value.items()) {
-        if (std::find(known.begin(), known.end(), key) == known.end())
+        if (std::find(known.begin(), known.end(), key) == known.end()) {
             fail("has the unknown key " + json(key).dump() + "; write only " + listOf(known));
+        }
     }
 }
 
@@ -82,8 +85,9 @@ std::optional<JsonNode> JsonNode::find(const char* key) const {
 
 JsonNode JsonNode::at(const char* key) const {
     const auto found = find(key);
-    if (!found)
+    if (!found) {
         fail("has no " + listOf({key}) + "; add it");
+    }
     return *found;
 }
 
@@ -91,8 +95,9 @@ std::vector<std::pair<std::string, JsonNode>> JsonNode::members() const {
     expect(_value.is_object(), "an object {...}");
     std::vector<std::pair<std::string, JsonNode>> members;
     for (const auto& [key, value] : _value.items()) {
-        if (holdsNul(key))
+        if (holdsNul(key)) {
             fail("has the key " + json(key).dump() + " with a NUL character; remove that");
+        }
         members.emplace_back(key, child(key, value));
     }
     return members;
@@ -101,16 +106,18 @@ std::vector<std::pair<std::string, JsonNode>> JsonNode::members() const {
 std::vector<JsonNode> JsonNode::elements() const {
     expect(_value.is_array(), "an array [...]");
     std::vector<JsonNode> elements;
-    for (const json& value : _value)
+    for (const json& value : _value) {
         elements.push_back(child(std::to_string(elements.size()), value));
+    }
     return elements;
 }
 
 std::string JsonNode::text() const {
     expect(_value.is_string(), "a text in quotes");
     const auto& text = _value.get_ref<const std::string&>();
-    if (holdsNul(text))
+    if (holdsNul(text)) {
         fail("holds a NUL character; remove it");
+    }
     return text;
 }
 
@@ -133,8 +140,9 @@ bool JsonNode::boolean() const {
 }
 
 void JsonNode::expect(bool isAsExpected, const char* expected) const {
-    if (!isAsExpected)
+    if (!isAsExpected) {
         fail(std::string("is unusable; write ") + expected);
+    }
 }
 
 JsonNode JsonNode::child(const std::string& name, const json& value) const {

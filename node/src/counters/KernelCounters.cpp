@@ -18,8 +18,9 @@ class KernelJob final : public JobMeasurement {
         : _folders(std::move(folders)), _classes(std::move(classes)), _samples(_classes.size()) {}
 
     void begin() override {
-        for (std::size_t i = 0; i < _classes.size(); ++i)
+        for (std::size_t i = 0; i < _classes.size(); ++i) {
             _samples[i] = _classes[i]->read(_folders);
+        }
     }
 
     MeasurementData cut(Coverage coverage) override {
@@ -41,8 +42,9 @@ class KernelJob final : public JobMeasurement {
 const KernelClass& findClass(const std::string& jobId, const std::string& name) {
     std::string known;
     for (const KernelClass* kernelClass : kernelClasses()) {
-        if (kernelClass->name == name)
+        if (kernelClass->name == name) {
             return *kernelClass;
+        }
         known += (known.empty() ? "" : ", ") + std::string(kernelClass->name);
     }
     throw InputError("job " + jobId + ": no measurement class is named \"" + name + "\"; use some of " +
@@ -57,8 +59,10 @@ KernelCounters::KernelCounters(std::filesystem::path proc, std::filesystem::path
 std::unique_ptr<JobMeasurement> KernelCounters::startJob(const std::string& jobId,
                                                          const std::vector<std::string>& classes) {
     std::vector<const KernelClass*> found;
-    for (const std::string& name : classes)
+    found.reserve(classes.size());
+    for (const std::string& name : classes) {
         found.push_back(&findClass(jobId, name));
+    }
     return std::make_unique<KernelJob>(_folders, std::move(found));
 }
 

@@ -19,28 +19,32 @@ struct Increase {
 /// Visits the readings of a counter before and after.
 struct IncreaseBetween {
     Increase operator()(std::uint64_t before, std::uint64_t now) const {
-        if (now < before)
+        if (now < before) {
             return {now, true};
+        }
         return {now - before};
     }
 
     Increase operator()(const std::vector<std::uint64_t>& before, std::vector<std::uint64_t> now) const {
-        if (before.size() != now.size())
+        if (before.size() != now.size()) {
             return {now, true};
+        }
         bool suspect = false;
         for (std::size_t i = 0; i < now.size(); ++i) {
-            if (now[i] < before[i])
+            if (now[i] < before[i]) {
                 suspect = true;
-            else
+            } else {
                 now[i] -= before[i];
+            }
         }
         return {now, suspect};
     }
 
     /// Both parts restart together, for the increase of one over the whole count of the other means nothing.
     Increase operator()(const Ratio& before, const Ratio& now) const {
-        if (now.part < before.part || now.whole < before.whole)
+        if (now.part < before.part || now.whole < before.whole) {
             return {now, true};
+        }
         return {Ratio{now.part - before.part, now.whole - before.whole}};
     }
 
@@ -69,15 +73,17 @@ struct Delivered {
     }
 
     MeasuredValue operator()(const Ratio& ratio) const {
-        if (ratio.whole == 0)
+        if (ratio.whole == 0) {
             return Nil{};
+        }
         return static_cast<double>(ratio.part) / static_cast<double>(ratio.whole);
     }
 };
 
 Measurement measure(const ValueType& type, const Reading& before, const Reading& now) {
-    if (type.kind == Kind::Gauge)
+    if (type.kind == Kind::Gauge) {
         return {std::string(type.name), std::visit(Delivered{}, now)};
+    }
     const Increase increase = std::visit(IncreaseBetween{}, before, now);
     return {std::string(type.name), std::visit(Delivered{}, increase.value), increase.suspect};
 }
@@ -98,13 +104,15 @@ std::string ldnOf(const KernelClass& kernelClass, std::string name) {
 MeasuredClass measureDelta(const KernelClass& kernelClass, const Sample& before, const Sample& now,
                            Coverage coverage) {
     std::unordered_map<std::string_view, const SampledObject*> known;
-    for (const SampledObject& object : before)
+    for (const SampledObject& object : before) {
         known.emplace(object.name, &object);
+    }
 
     MeasuredClass measured{std::string(kernelClass.name), {}};
     for (const SampledObject& object : now) {
-        if (!object.reported)
+        if (!object.reported) {
             continue;
+        }
         const auto previous = known.find(object.name);
         MeasuredObject& result = measured.objects.emplace_back();
         result.ldn = ldnOf(kernelClass, object.name);

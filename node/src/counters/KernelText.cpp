@@ -17,8 +17,9 @@ std::optional<Number> parseWhole(std::string_view text) {
     Number number{};
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc{} || rest != end)
+    if (error != std::errc{} || rest != end) {
         return std::nullopt;
+    }
     return number;
 }
 
@@ -27,8 +28,9 @@ std::optional<Number> parseWhole(std::string_view text) {
 std::vector<std::string> readLines(const std::filesystem::path& file) {
     std::ifstream stream(file);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(stream, line);)
+    for (std::string line; std::getline(stream, line);) {
         lines.push_back(line);
+    }
     return lines;
 }
 
@@ -45,18 +47,21 @@ Fields splitFields(std::string_view line) {
 
 NamedLine splitNamedLine(std::string_view line) {
     const std::size_t colon = line.rfind(':');
-    if (colon == std::string_view::npos)
+    if (colon == std::string_view::npos) {
         return {};
+    }
     const Fields name = splitFields(line.substr(0, colon));
-    if (name.size() != 1)
+    if (name.size() != 1) {
         return {};
+    }
     return {name.front(), splitFields(line.substr(colon + 1))};
 }
 
 std::pair<std::string_view, std::string_view> splitPair(std::string_view text, char separator) {
     const std::size_t at = text.find(separator);
-    if (at == std::string_view::npos)
+    if (at == std::string_view::npos) {
         return {};
+    }
     return {text.substr(0, at), text.substr(at + 1)};
 }
 
@@ -73,8 +78,9 @@ std::vector<std::uint64_t> parseCounts(std::span<const std::string_view> fields)
     std::vector<std::uint64_t> counts;
     for (const std::string_view field : fields) {
         const auto count = parseCount(field);
-        if (!count)
+        if (!count) {
             return {};
+        }
         counts.push_back(*count);
     }
     return counts;

@@ -16,16 +16,18 @@ constexpr ValueType types[]{
 Sample readLoad(const KernelFolders& folders) {
     for (const std::string& line : readLines(folders.proc / "loadavg")) {
         const Fields fields = splitFields(line);
-        if (fields.size() < 4)
+        if (fields.size() < 4) {
             continue;
+        }
         const auto average1 = parseFloat(fields[0]);
         const auto average5 = parseFloat(fields[1]);
         const auto average15 = parseFloat(fields[2]);
         const auto [runnableText, entitiesText] = splitPair(fields[3], '/');
         const auto runnable = parseCount(runnableText);
         const auto entities = parseCount(entitiesText);
-        if (average1 && average5 && average15 && runnable && entities)
+        if (average1 && average5 && average15 && runnable && entities) {
             return {{onlyObject, {*average1, *average5, *average15, *runnable, *entities}}};
+        }
     }
     return {};
 }

@@ -26,19 +26,22 @@ constexpr std::array<std::string_view, std::size(types) - 1> names{
 
 Sample readMemory(const KernelFolders& folders) {
     const auto lines = readLines(folders.proc / "meminfo");
-    if (lines.empty())
+    if (lines.empty()) {
         return {};
+    }
     std::vector<Reading> readings(std::size(types));
     for (const std::string& line : lines) {
         const NamedLine entry = splitNamedLine(line);
         const auto* const name = std::find(names.begin(), names.end(), entry.name);
-        if (name != names.end() && !entry.fields.empty())
+        if (name != names.end() && !entry.fields.empty()) {
             readings[static_cast<std::size_t>(name - names.begin())] = orNil(parseCount(entry.fields[0]));
+        }
     }
     const auto* const total = std::get_if<std::uint64_t>(&readings[0]);
     const auto* const available = std::get_if<std::uint64_t>(&readings[2]);
-    if (total && available && *available <= *total)
+    if (total && available && *available <= *total) {
         readings.back() = percentage(*total - *available, *total);
+    }
     return {{onlyObject, readings}};
 }
 

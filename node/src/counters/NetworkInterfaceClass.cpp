@@ -31,12 +31,14 @@ Sample readNetworkInterfaces(const KernelFolders& folders) {
     for (const std::string& line : readLines(folders.proc / "net" / "dev")) {
         const NamedLine interface = splitNamedLine(line);
         const auto counts = parseCounts(interface.fields);
-        if (counts.size() < columns)
+        if (counts.size() < columns) {
             continue;
+        }
         SampledObject& object = sample.emplace_back();
         object.name = interface.name;
-        for (const std::size_t column : {0U, 1U, 2U, 3U, 8U, 9U, 10U, 11U})
+        for (const std::size_t column : {0U, 1U, 2U, 3U, 8U, 9U, 10U, 11U}) {
             object.readings.emplace_back(counts[column]);
+        }
         object.readings.push_back(readSpeed(folders, interface.name));
     }
     return sample;

@@ -30,15 +30,17 @@ SampledObject readResourcePressure(const KernelFolders& folders, const std::stri
     SampledObject pressure{resource, std::vector<Reading>(2 * keys.size())};
     for (const std::string& line : readLines(folders.proc / "pressure" / resource)) {
         const Fields fields = splitFields(line);
-        if (fields.empty() || (fields[0] != "some" && fields[0] != "full"))
+        if (fields.empty() || (fields[0] != "some" && fields[0] != "full")) {
             continue;
+        }
         const std::size_t first = fields[0] == "some" ? 0 : keys.size();
         for (const std::string_view field : fields) {
             const auto [name, value] = splitPair(field, '=');
             const auto* const key = std::find(keys.begin(), keys.end(), name);
-            if (key != keys.end())
+            if (key != keys.end()) {
                 pressure.readings[first + static_cast<std::size_t>(key - keys.begin())] =
                     readField(name, value);
+            }
         }
     }
     return pressure;

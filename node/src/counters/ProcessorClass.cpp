@@ -29,17 +29,20 @@ Sample readProcessors(const KernelFolders& folders) {
     Sample sample;
     for (const std::string& line : readLines(folders.proc / "stat")) {
         const Fields fields = splitFields(line);
-        if (fields.size() <= states || !fields[0].starts_with(prefix))
+        if (fields.size() <= states || !fields[0].starts_with(prefix)) {
             continue;
+        }
         // The line without a number is the sum of all processors.
         const std::string_view number = fields[0].substr(prefix.size());
         const auto ticks = parseCounts(std::span(fields).subspan(1, states));
-        if (!parseCount(number) || ticks.empty())
+        if (!parseCount(number) || ticks.empty()) {
             continue;
+        }
         SampledObject& processor = sample.emplace_back();
         processor.name = number;
-        for (const std::uint64_t count : ticks)
+        for (const std::uint64_t count : ticks) {
             processor.readings.emplace_back(count * 1000 / ticksPerSecond);
+        }
         const std::uint64_t whole = std::accumulate(ticks.begin(), ticks.end(), std::uint64_t{0});
         processor.readings.emplace_back(percentage(whole - ticks[idle] - ticks[ioWait], whole));
     }

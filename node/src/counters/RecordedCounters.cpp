@@ -22,39 +22,48 @@ class RecordedJob final : public JobMeasurement {
 
 std::vector<std::int64_t> readIntegers(const JsonNode& array) {
     std::vector<std::int64_t> integers;
-    for (const JsonNode& element : array.elements())
+    for (const JsonNode& element : array.elements()) {
         integers.push_back(element.integer());
+    }
     return integers;
 }
 
 std::vector<double> readNumbers(const JsonNode& array) {
     std::vector<double> numbers;
-    for (const JsonNode& element : array.elements())
+    for (const JsonNode& element : array.elements()) {
         numbers.push_back(element.number());
+    }
     return numbers;
 }
 
 Nil readNil(const JsonNode& nil) {
-    if (!nil.boolean())
+    if (!nil.boolean()) {
         nil.fail("is false; write true, or another value in its place");
+    }
     return {};
 }
 
 MeasuredValue readValue(const JsonNode& node) {
     std::vector<MeasuredValue> values;
-    if (const auto integer = node.find("int"))
+    if (const auto integer = node.find("int")) {
         values.emplace_back(integer->integer());
-    if (const auto number = node.find("float"))
+    }
+    if (const auto number = node.find("float")) {
         values.emplace_back(number->number());
-    if (const auto integers = node.find("ints"))
+    }
+    if (const auto integers = node.find("ints")) {
         values.emplace_back(readIntegers(*integers));
-    if (const auto numbers = node.find("floats"))
+    }
+    if (const auto numbers = node.find("floats")) {
         values.emplace_back(readNumbers(*numbers));
-    if (const auto nil = node.find("nil"))
+    }
+    if (const auto nil = node.find("nil")) {
         values.emplace_back(readNil(*nil));
-    if (values.size() != 1)
+    }
+    if (values.size() != 1) {
         node.fail("has " + std::to_string(values.size()) +
                   R"( values; write exactly one of "int", "float", "ints", "floats", "nil")");
+    }
     return values.front();
 }
 
@@ -67,26 +76,30 @@ Measurement readMeasurement(const JsonNode& node) {
 MeasuredObject readObject(const JsonNode& node) {
     node.expectKeys({"ldn", "values"});
     MeasuredObject object{node.at("ldn").text(), {}};
-    for (const JsonNode& value : node.at("values").elements())
+    for (const JsonNode& value : node.at("values").elements()) {
         object.values.push_back(readMeasurement(value));
+    }
     return object;
 }
 
 MeasuredClass readClass(const JsonNode& node) {
     node.expectKeys({"name", "objects"});
     MeasuredClass measured;
-    if (const auto name = node.find("name"))
+    if (const auto name = node.find("name")) {
         measured.name = name->text();
-    for (const JsonNode& object : node.at("objects").elements())
+    }
+    for (const JsonNode& object : node.at("objects").elements()) {
         measured.objects.push_back(readObject(object));
+    }
     return measured;
 }
 
 MeasurementData readJob(const JsonNode& node) {
     node.expectKeys({"classes"});
     MeasurementData data;
-    for (const JsonNode& measured : node.at("classes").elements())
+    for (const JsonNode& measured : node.at("classes").elements()) {
         data.push_back(readClass(measured));
+    }
     return data;
 }
 
@@ -97,8 +110,9 @@ RecordedCounters::RecordedCounters(const std::filesystem::path& file) {
     const std::string name = file.string();
     const JsonNode root(name, document);
     root.expectKeys({"jobs"});
-    for (const auto& [id, job] : root.at("jobs").members())
+    for (const auto& [id, job] : root.at("jobs").members()) {
         _jobs.emplace(id, readJob(job));
+    }
 }
 
 std::unique_ptr<JobMeasurement> RecordedCounters::startJob(const std::string& jobId,

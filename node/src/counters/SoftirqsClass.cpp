@@ -17,8 +17,9 @@ constexpr ValueType types[]{
 
 Sample readSoftirqs(const KernelFolders& folders) {
     const auto lines = readLines(folders.proc / "softirqs");
-    if (lines.empty())
+    if (lines.empty()) {
         return {};
+    }
     const std::size_t processors = splitFields(lines[0]).size();
     SampledObject softirqs{onlyObject, std::vector<Reading>(std::size(types))};
     for (const std::string& line : lines) {
@@ -27,8 +28,9 @@ Sample readSoftirqs(const KernelFolders& folders) {
             std::find_if(std::begin(types), std::end(types),
                          [&](const ValueType& candidate) { return candidate.name == softirq.name; });
         const auto counts = parseCounts(softirq.fields);
-        if (type != std::end(types) && counts.size() == processors)
+        if (type != std::end(types) && counts.size() == processors) {
             softirqs.readings[static_cast<std::size_t>(type - types)] = counts;
+        }
     }
     return {softirqs};
 }

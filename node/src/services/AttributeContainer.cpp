@@ -77,7 +77,7 @@ class OwnedContainer : public VorMoAttributeValueContainer_3 {
                                          nullptr},
           _values(std::move(ownValues)) {
         for (const AttributeValue& value : _values) {
-            _slots.push_back(std::visit([this](const auto& held) { return slotOf(held); }, value));
+            _slots.push_back(std::visit([this](const auto& held) { return this->slotOf(held); }, value));
         }
         values = _slots.data();
     }

@@ -9,7 +9,7 @@ GpInfo GpStore::add(const std::string& jobId, Poco::Timestamp end, std::chrono::
                     std::unique_ptr<const GpRecords> records) {
     const Poco::Clock overdueAt = Poco::Clock() + 2 * std::chrono::microseconds(period).count();
     Poco::FastMutex::ScopedLock lock(_mutex);
-    const GpInfo info{_lastId + 1, jobId, end};
+    GpInfo info{_lastId + 1, jobId, end};
     _gps.emplace(info.id, Gp{info, std::move(records), overdueAt});
     ++_lastId;
     ++_counts.announced;
