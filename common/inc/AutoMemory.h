@@ -25,14 +25,15 @@ class AutoMemory {
         explicit OwnedObj(const T& object) : T(object) {}
     };
 
-    /// A zero-filled block, owned here. Throws `std::bad_alloc`.
-    void* allocate(std::size_t count, std::size_t size) {
-        Block block(std::calloc(count, size), &std::free);
+    /// A zero-filled array of plain `T`, owned here. Throws `std::bad_alloc`.
+    template <class T>
+    T* allocate(std::size_t count) {
+        Block block(std::calloc(count, sizeof(T)), &std::free);
         if (block == nullptr) {
             throw std::bad_alloc();
         }
         _blocks.push_back(std::move(block));
-        return _blocks.back().get();
+        return static_cast<T*>(_blocks.back().get());
     }
 
     /// A new `T`, owned here.

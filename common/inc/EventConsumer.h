@@ -172,7 +172,7 @@ class EventConsumer {
     }
 
     void buildFilter(const std::vector<NameValuePair>& filter) {
-        _filter = static_cast<KelNameValuePair**>(_memory.allocate(filter.size() + 1, sizeof(*_filter)));
+        _filter = _memory.allocate<KelNameValuePair*>(filter.size() + 1);
         for (std::size_t i = 0; i < filter.size(); ++i) {
             _filter[i] = _memory.create<NameValuePair>(filter[i]);
         }

@@ -1,10 +1,11 @@
 #include "PmStorage.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
+
+#include <Poco/Mutex.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "PmLog.h"
 #include "VorException.h"
@@ -13,6 +14,34 @@
 namespace VorPm {
 
 namespace {
+
+/// A folder below one of the platform's roots, computed at first use and then kept. Any thread; the first one
+/// asks the platform while others wait.
+class Location {
+  public:
+    Location(std::string (&root)(), const char* name) : _root(root), _name(name) {}
+
+    std::string get() {
+        Poco::FastMutex::ScopedLock lock(_mutex);
+        if (_path.empty()) {
+            _path = _root() + _name;
+        }
+        return _path;
+    }
+
+  private:
+    std::string (&_root)();
+    const char* const _name;
+    /// Guards the path.
+    Poco::FastMutex _mutex;
+    std::string _path;
+};
+
+// Made when the library is loaded, and so destroyed after the component, which publishes what is open at its
+// end.
+Location reportFileLocation(getNoBackupFromVorEa, reportFilesFolderName);
+Location reportFileTempLocation(getNoBackupFromVorEa, temporaryFilesFolderName);
+Location reportSymlinkLocation(getInternalRootFromVorEa, reportFilesFolderName);
 
 void createReportFolder(const std::string& path) {
     Poco::File folder(path);
@@ -55,18 +84,15 @@ std::string getNoBackupFromVorEa() {
 }
 
 std::string getReportFileLocation() {
-    static const std::string location = getNoBackupFromVorEa() + reportFilesFolderName;
-    return location;
+    return reportFileLocation.get();
 }
 
 std::string getReportFileTempLocation() {
-    static const std::string location = getNoBackupFromVorEa() + temporaryFilesFolderName;
-    return location;
+    return reportFileTempLocation.get();
 }
 
 std::string getReportSymlinkLocation() {
-    static const std::string location = getInternalRootFromVorEa() + reportFilesFolderName;
-    return location;
+    return reportSymlinkLocation.get();
 }
 
 bool createFoldersForReportStorage() {
@@ -106,7 +132,8 @@ bool createSymLinkForNobackup() {
         const std::string link = internalRoot + "/" + reportFilesFolderName;
         const bool linked = ::symlink(target.c_str(), link.c_str()) == 0 || errno == EEXIST;
         if (!linked) {
-            LOG_ERROR("Error %s when creating symlink %s for %s", std::strerror(errno), link.c_str(), target.c_str());
+            LOG_ERROR("Error %s when creating symlink %s for %s", std::strerror(errno), link.c_str(),
+                      target.c_str());
         }
         LOG_TRACE(" << symbolic path: %s", link.c_str());
         return linked;
