@@ -28,6 +28,7 @@ class AutoMemory {
     /// A zero-filled array of plain `T`, owned here. Throws `std::bad_alloc`.
     template <class T>
     T* allocate(std::size_t count) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): arrays of pointers are what filters are made of.
         Block block(std::calloc(count, sizeof(T)), &std::free);
         if (block == nullptr) {
             throw std::bad_alloc();

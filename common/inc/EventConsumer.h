@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -115,24 +116,28 @@ class EventConsumer {
     static KelReturnT notifyCallback(KelOamSpiEventConsumerHandleT /*handle*/, const char* eventType,
                                      KelNameValuePairT** /*filter*/, void* value) {
         LOG_TRACE(" >> ");
-        poco_assert(_instance);
-        EventConsumer& consumer = *_instance;
-        if (consumer._gate.enter()) {
-            SubscriberT& subscriber = *consumer._subscriber;
-            try {
-                (subscriber.*consumer._method)(eventType, value);
-            } catch (const std::exception& fault) {
-                LOG_WARNING("Exception thrown from event consumer :%s", fault.what());
-            } catch (...) {
-                LOG_WARNING("Unknown exception thrown from event consumer");
-            }
-            consumer._gate.leave();
+        try {
+            poco_assert(_instance);
+            _instance->deliver(eventType, value);
+        } catch (const std::exception& fault) {
+            LOG_WARNING("Exception thrown from event consumer :%s", fault.what());
+        } catch (...) {
+            LOG_WARNING("Unknown exception thrown from event consumer");
         }
         LOG_TRACE(" << ");
         return VorReturnOk;
     }
 
   private:
+    /// Calls the subscriber, unless the gate is closed.
+    void deliver(const char* eventType, void* value) {
+        if (_gate.enter()) {
+            const std::unique_ptr<CallbackGate, void (*)(CallbackGate*)> inside(
+                &_gate, [](CallbackGate* gate) { gate->leave(); });
+            (_subscriber->*_method)(eventType, value);
+        }
+    }
+
     VorOamSpiEventRouter_1* getInterface() {
         static const KelMgmtSpiInterface_1 router{"VorOamSpiEventService", "VorOamSpiEventRouter", "1"};
         return _portal->getInterface<VorOamSpiEventRouter_1>(router);

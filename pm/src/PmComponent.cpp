@@ -187,9 +187,11 @@ void VorPmComponent::terminate() {
 }  // namespace VorPm
 
 KelReturnT kelLCMinit(KelMgmtSpiPortalAccessor* accessor, const char* configPath) {
+    using VorPm::traceSubsystem;
     try {
         return VorPm::VorPmComponent::instance().lcmInit(accessor, configPath);
     } catch (...) {
+        LOG_ERROR("Unhandled Exception while initialising VorPmComponent");
         return VorReturnFailed;
     }
 }

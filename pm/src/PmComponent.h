@@ -1,8 +1,8 @@
 #pragma once
 
-#include <Poco/Thread.h>
-
 #include <memory>
+
+#include <Poco/Thread.h>
 
 #include "KelComponent.h"
 #include "PmConfigHandler.h"
@@ -12,8 +12,9 @@
 
 namespace VorPm {
 
-/// The component: brings the PM function up and down as the framework says. Process-wide; the framework's thread
-/// only. The configuration and the registration live as long as it does, everything else from start to stop.
+/// The component: brings the PM function up and down as the framework says. Process-wide; the framework's
+/// thread only. The configuration and the registration live as long as it does, everything else from start to
+/// stop.
 class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
   public:
     /// A component that was not stopped is cleaned up.
@@ -22,8 +23,8 @@ class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
     /// Loads the configuration. 0, -1 when it cannot be used, -8 without a path.
     KelReturnT initialize(const char* configPath);
 
-    /// 0 when the PM function is up, and also when the node has no PM service: the component is idle then. -1 with
-    /// a message otherwise; `stop` cleans up.
+    /// 0 when the PM function is up, and also when the node has no PM service: the component is idle then. -1
+    /// with a message otherwise; `stop` cleans up.
     KelReturnT start(KelStateChangeReason reason);
     KelReturnT stop(KelStateChangeReason reason);
 

@@ -1,9 +1,9 @@
 #include "PmConfigHandler.h"
 
+#include <exception>
+
 #include <Poco/DOM/Element.h>
 #include <Poco/String.h>
-
-#include <exception>
 
 #include "PmLog.h"
 #include "ToInt.h"

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <string>
+
 #include <Poco/AutoPtr.h>
 #include <Poco/DOM/NodeList.h>
 #include <Poco/Mutex.h>
-
-#include <string>
 
 #include "VorConfiguration.h"
 
@@ -17,14 +17,14 @@ class PmConfigHandler : public Vor::VorConfiguration {
     PmConfigHandler() = default;
     ~PmConfigHandler() override;
 
-    /// Reads the file `config` in place of what was loaded. 0, or -1 with nothing loaded or with no, or several,
-    /// "VorPmComp" elements.
+    /// Reads the file `config` in place of what was loaded. 0, or -1 with nothing loaded or with no, or
+    /// several, "VorPmComp" elements.
     int load(const std::string& config);
     /// Always 0.
     int unload();
 
-    /// The text of the setting `name`. -2 when it is absent or no configuration is loaded, -1 when it is given
-    /// more than once.
+    /// The text of the setting `name`. -2 when it is absent or no configuration is loaded, -1 when it is
+    /// given more than once.
     int getElementValue(const std::string& name, std::string& value);
 
     /// "maxNoOfPmFiles", 1000 when absent. 0, or -1 with a message.

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <Poco/AutoPtr.h>
-
 #include <cstdint>
 #include <string>
+
+#include <Poco/AutoPtr.h>
 
 #include "MoAccessor.h"
 #include "PmGpData.h"
@@ -12,10 +12,11 @@
 
 namespace VorPm {
 
-/// The component's one contact with the PM service and the managed-object model. Owned by the component, made at
-/// start and destroyed at stop. `init` runs on the framework's thread before the worker exists; `releaseGp` and the
-/// interface pointers serve the intake and the worker, everything else the worker alone. No lock: the pointers
-/// and the fixed dns are written in `init` only. Integer results: 0 success, -1 failure, -2 something absent.
+/// The component's one contact with the PM service and the managed-object model. Owned by the component, made
+/// at start and destroyed at stop. `init` runs on the framework's thread before the worker exists;
+/// `releaseGp` and the interface pointers serve the intake and the worker, everything else the worker alone.
+/// No lock: the pointers and the fixed dns are written in `init` only. Integer results: 0 success, -1
+/// failure, -2 something absent.
 class PmDataCollector {
   public:
     explicit PmDataCollector(VorMgmtSpiInterfacePortal_1& portal);
@@ -24,8 +25,8 @@ class PmDataCollector {
 
     // PM service.
 
-    /// Connects to the PM service, version 2 before version 1, and finds the fixed dns. -2 without a PM service,
-    /// -1 when the model lacks an object that the component needs.
+    /// Connects to the PM service, version 2 before version 1, and finds the fixed dns. -2 without a PM
+    /// service, -1 when the model lacks an object that the component needs.
     int init();
 
     /// Fetches the GP's measurement data into the holder; the service's code when it refuses.
@@ -69,9 +70,11 @@ class PmDataCollector {
     int getActiveSwVersionDn();
     void fetchMeAdministrativeDataAttr();
     int getMeProductIdentity(Vor::MoAccessor::Struct& out);
-    std::string fetchMeStructAttrMember(const Vor::MoAccessor::Struct& structure, const std::string& memberName);
+    std::string fetchMeStructAttrMember(const Vor::MoAccessor::Struct& structure,
+                                        const std::string& memberName);
 
-    /// Reads an attribute of type `B` into an `A`; -1, with `out` unchanged, when it cannot be read or has no value.
+    /// Reads an attribute of type `B` into an `A`; -1, with `out` unchanged, when it cannot be read or has no
+    /// value.
     template <class A, class B>
     KelReturnT getAnyAttribute(const std::string& dn, const std::string& attrName, A& out);
 

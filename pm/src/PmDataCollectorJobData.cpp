@@ -55,7 +55,8 @@ int PmDataCollector::populateMo(Poco::AutoPtr<PmGpData>& gp) {
     return VorReturnOk;
 }
 
-int PmDataCollector::getPeriodDuration(const std::string& jobDn, const std::string& attrName, TimePeriod& out) {
+int PmDataCollector::getPeriodDuration(const std::string& jobDn, const std::string& attrName,
+                                       TimePeriod& out) {
     std::int16_t value = 0;
     const KelReturnT result = getAnyAttribute<std::int16_t, MoAccessor::Enum>(jobDn, attrName, value);
     if (result != VorReturnOk) {
@@ -102,14 +103,16 @@ void PmDataCollector::fetchSwVersionAttributes() {
         inventoryFound = true;
     } catch (...) {
         LOG_INFORMATION(
-            "SwInventory was not found. The deprecated attribute ManagedElement::productIdentity will be used to fill "
+            "SwInventory was not found. The deprecated attribute ManagedElement::productIdentity will be "
+            "used to fill "
             "in the swVersion in the ROP file");
     }
     if (!inventoryFound) {
         MoAccessor::Struct identity;
         if (getMeProductIdentity(identity) != VorReturnOk) {
             LOG_WARNING(
-                "Failed to fetch the productIdentity value and hence the swVersion attribute of the ROP file will be "
+                "Failed to fetch the productIdentity value and hence the swVersion attribute of the ROP file "
+                "will be "
                 "empty");
         } else {
             productDesignation = fetchMeStructAttrMember(identity, "productDesignation");
@@ -120,7 +123,8 @@ void PmDataCollector::fetchSwVersionAttributes() {
         fetchMeAdministrativeDataAttr();
     } else {
         LOG_ERROR(
-            "Failed to fetch the active SwVersion on the node,hence the swVersion attribute of the ROP file will be "
+            "Failed to fetch the active SwVersion on the node,hence the swVersion attribute of the ROP file "
+            "will be "
             "empty");
     }
     LOG_TRACE(" << ");
@@ -139,10 +143,11 @@ int PmDataCollector::getActiveSwVersionDn() {
 
 void PmDataCollector::fetchMeAdministrativeDataAttr() {
     MoAccessor::Struct data;
-    if (getAnyAttribute<MoAccessor::Struct, MoAccessor::Struct>(activeSwVersionDn, "administrativeData", data) !=
-        VorReturnOk) {
+    if (getAnyAttribute<MoAccessor::Struct, MoAccessor::Struct>(activeSwVersionDn, "administrativeData",
+                                                                data) != VorReturnOk) {
         LOG_WARNING(
-            "Failed to fetch the administrativeData struct and hence the swVersion attribute of the ROP file will be "
+            "Failed to fetch the administrativeData struct and hence the swVersion attribute of the ROP file "
+            "will be "
             "empty");
         return;
     }
@@ -183,8 +188,8 @@ KelReturnT PmDataCollector::getAnyAttribute(const std::string& dn, const std::st
         out = static_cast<A>(openAccessor().getAttr<B>(dn, attrName));
         return VorReturnOk;
     } catch (const Vor::VorException& fault) {
-        LOG_TRACE("Problem reading '%s' attribute from SPI, mo '%s'. Reason: '%s'", attrName.c_str(), dn.c_str(),
-                  fault.what());
+        LOG_TRACE("Problem reading '%s' attribute from SPI, mo '%s'. Reason: '%s'", attrName.c_str(),
+                  dn.c_str(), fault.what());
     } catch (...) {
         LOG_ERROR("Problem reading %s attribute from SPI, mo (%s)", attrName.c_str(), dn.c_str());
     }

@@ -1,7 +1,6 @@
 // The data collector's connection to the PM service.
-#include "PmDataCollector.h"
-
 #include "PmAccessor.h"
+#include "PmDataCollector.h"
 #include "PmLog.h"
 #include "VorException.h"
 

@@ -13,7 +13,8 @@ int PmEventConsumer::start(KelMgmtSpiInterfacePortal_3* /*portal*/) {
 }
 
 void PmEventConsumer::notify(const char* eventType, void* value) {
-    LOG_TRACE("PmEventConsumer::notify Entered! with eventType %s", eventType != nullptr ? eventType : "(null)");
+    LOG_TRACE("PmEventConsumer::notify Entered! with eventType %s",
+              eventType != nullptr ? eventType : "(null)");
     if (eventType == nullptr || value == nullptr) {
         LOG_ERROR("Parameter error");
         return;

@@ -7,8 +7,8 @@
 
 namespace VorPm {
 
-/// Subscribes to the events that announce GPs and passes them to the task manager. Process-wide. `start` and `stop`
-/// run on the component's thread, `notify` on the router's threads.
+/// Subscribes to the events that announce GPs and passes them to the task manager. Process-wide. `start` and
+/// `stop` run on the component's thread, `notify` on the router's threads.
 class PmEventConsumer : public Vor::Singleton<PmEventConsumer> {
   public:
     virtual ~PmEventConsumer() = default;

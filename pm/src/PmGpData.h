@@ -1,11 +1,11 @@
 #pragma once
 
-#include <Poco/AtomicCounter.h>
-#include <Poco/Bugcheck.h>
-
 #include <cstdint>
 #include <string>
 #include <type_traits>
+
+#include <Poco/AtomicCounter.h>
+#include <Poco/Bugcheck.h>
 
 #include "PmTimeTexts.h"
 #include "VorOamSpiPm.h"
@@ -15,12 +15,13 @@ namespace VorPm {
 /// How a report is published; every number but `GZIP` publishes plain XML.
 enum CompressionTypes : int { GZIP = 0, NO_COMPRESSION = 100 };
 
-/// One GP on its way through the component. Shared by `Poco::AutoPtr`; the last reference hands the GP back to the
-/// PM service, once, and deletes the holder. References may be taken and dropped on any thread; the fields are
-/// written by the worker only, after the holder has left the queue.
+/// One GP on its way through the component. Shared by `Poco::AutoPtr`; the last reference hands the GP back
+/// to the PM service, once, and deletes the holder. References may be taken and dropped on any thread; the
+/// fields are written by the worker only, after the holder has left the queue.
 class PmGpData {
   public:
-    /// Copies what it needs of the event. The GP is handed back through `pm`, a `VorOamSpiPm_1` or `VorOamSpiPm_2`.
+    /// Copies what it needs of the event. The GP is handed back through `pm`, a `VorOamSpiPm_1` or
+    /// `VorOamSpiPm_2`.
     template <class PmT>
     PmGpData(const VorOamSpiPmEventValue_1& event, PmT* pm)
         : _gpId(event.gpId),

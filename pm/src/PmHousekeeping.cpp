@@ -1,13 +1,13 @@
 #include "PmHousekeeping.h"
 
+#include <map>
+#include <string>
+#include <vector>
+
 #include <Poco/DirectoryIterator.h>
 #include <Poco/Exception.h>
 #include <Poco/File.h>
 #include <Poco/Path.h>
-
-#include <map>
-#include <string>
-#include <vector>
 
 #include "PmLog.h"
 #include "PmReportNames.h"
@@ -28,7 +28,8 @@ bool isMarker(const std::string& name) {
 /// False when nothing of that name was there any more: a client may delete what it has fetched.
 bool removeIfPresent(Poco::File file) {
     try {
-        // Without asking first whether it exists: a link that leads nowhere does not, and has to go all the same.
+        // Without asking first whether it exists: a link that leads nowhere does not, and has to go all the
+        // same.
         file.remove();
         return true;
     } catch (const Poco::FileNotFoundException&) {
@@ -68,7 +69,8 @@ void performHousekeeping(unsigned short maxNoOfPmFiles) {
                 continue;
             }
             if (!isValidROPFileName(name)) {
-                LOG_WARNING("%s is not an ROP file and it will not be considered for housekeeping", name.c_str());
+                LOG_WARNING("%s is not an ROP file and it will not be considered for housekeeping",
+                            name.c_str());
                 continue;
             }
             candidates.emplace(generateKey(name), Poco::File(folder + "/" + name));

@@ -1,15 +1,15 @@
 #include "PmPublishing.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 #include <Poco/DeflatingStream.h>
 #include <Poco/Exception.h>
 #include <Poco/FileStream.h>
 #include <Poco/StreamCopier.h>
 #include <fcntl.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 #include "PmLog.h"
 #include "PmStorage.h"
@@ -45,14 +45,15 @@ void requireGood(const std::ios& stream, const std::string& path) {
     }
 }
 
-/// Writes the compressed form of a file. Throws when any of its bytes could not be read or written: the deflating
-/// stream can look good while only the stream under it went bad, so both are looked at.
+/// Writes the compressed form of a file. Throws when any of its bytes could not be read or written: the
+/// deflating stream can look good while only the stream under it went bad, so both are looked at.
 void compress(const std::string& plainPath, const std::string& compressedPath) {
     // What stands there already may be a link, which must not be written through.
     ::unlink(compressedPath.c_str());
     Poco::FileInputStream input(plainPath, std::ios::in | std::ios::binary);
     Poco::FileOutputStream output(compressedPath, std::ios::out | std::ios::trunc | std::ios::binary);
-    Poco::DeflatingOutputStream deflater(output, Poco::DeflatingStreamBuf::STREAM_GZIP, defaultCompressionLevel);
+    Poco::DeflatingOutputStream deflater(output, Poco::DeflatingStreamBuf::STREAM_GZIP,
+                                         defaultCompressionLevel);
     Poco::StreamCopier::copyStream(input, deflater, bufferSize);
     if (input.bad()) {
         throw Poco::ReadFileException(plainPath);

@@ -1,6 +1,9 @@
 #include "PmReportFile.h"
 
+#include <cerrno>
+
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,17 +22,20 @@ long sizeOnDisk(std::FILE* file) {
 }  // namespace
 
 bool PmReportFile::open(const std::string& path) {
-    const int descriptor =
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NOFOLLOW, newFileMode);
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, newFileMode);
     if (descriptor < 0) {
         return false;
     }
-    _file.reset(::fdopen(descriptor, "w"));
-    if (_file == nullptr) {
-        ::close(descriptor);
-        return false;
+    // Two reports can come to the same name; the one that is being written must not be emptied by the other.
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::ftruncate(descriptor, 0) == 0) {
+        _file.reset(::fdopen(descriptor, "w"));
     }
-    return true;
+    if (_file == nullptr) {
+        const int reason = errno;
+        ::close(descriptor);
+        errno = reason;
+    }
+    return isOpen();
 }
 
 bool PmReportFile::write(std::string_view text) {
@@ -50,7 +56,8 @@ bool PmReportFile::markGoodEnd() {
 }
 
 bool PmReportFile::rewind() {
-    // Moving flushes first; when that fails nothing is buffered any more, and moving to what is left succeeds.
+    // Moving flushes first; when that fails nothing is buffered any more, and moving to what is left
+    // succeeds.
     if (std::fseek(_file.get(), lastGoodPosition(), SEEK_SET) != 0) {
         forgetLostEnds();
         if (std::fseek(_file.get(), lastGoodPosition(), SEEK_SET) != 0) {

@@ -8,14 +8,15 @@
 
 namespace VorPm {
 
-/// The file of one report while it is written: knows where the last complete GP ends and goes back there. Owned by
-/// its report writer, used by the worker only. Failures are told by results; `errno` has the reason.
+/// The file of one report while it is written: knows where the last complete GP ends and goes back there.
+/// Owned by its report writer, used by the worker only. Failures are told by results; `errno` has the reason.
 ///
-/// A stream throws its buffer away when a flush fails, so GPs that were complete may be lost with it. The ends of
-/// all complete GPs are kept, and a failed write leaves those that the file really holds.
+/// A stream throws its buffer away when a flush fails, so GPs that were complete may be lost with it. The
+/// ends of all complete GPs are kept, and a failed write leaves those that the file really holds.
 class PmReportFile {
   public:
-    /// Creates the file, or empties the one there. A link in its place is not followed.
+    /// Creates the file, or empties the one there. A link in its place is not followed, and a file that
+    /// another object has open is left alone.
     bool open(const std::string& path);
     bool isOpen() const { return _file != nullptr; }
 
@@ -31,7 +32,8 @@ class PmReportFile {
     /// The end of the last complete GP; 0 when there is none.
     long lastGoodPosition() const { return _goodEnds.empty() ? 0 : _goodEnds.back(); }
 
-    /// Goes back to the end of the last complete GP and cuts off what follows it. It is empty when there is none.
+    /// Goes back to the end of the last complete GP and cuts off what follows it. It is empty when there is
+    /// none.
     bool rewind();
 
     /// Flushes and closes the file; false unless everything written is in it.

@@ -1,9 +1,9 @@
 #include "PmReportNames.h"
 
-#include <Poco/Exception.h>
-
 #include <algorithm>
 #include <string_view>
+
+#include <Poco/Exception.h>
 
 #include "PmLog.h"
 #include "VorException.h"
@@ -41,7 +41,8 @@ std::string clockText(std::uint64_t nanoseconds, TimeForm form) {
 
 std::string buildReportName(const ReportIdentity& report) {
     std::string name = "A";
-    name += formatTime(report.beginTime, "%Y%m%d", report.form) + "." + clockText(report.beginTime, report.form);
+    name +=
+        formatTime(report.beginTime, "%Y%m%d", report.form) + "." + clockText(report.beginTime, report.form);
     name += "-" + clockText(report.endTime, report.form) + "_" + report.meId;
     if (!report.jobGroup.empty()) {
         name += "_" + report.jobGroup;

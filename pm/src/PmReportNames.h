@@ -27,8 +27,8 @@ bool isValidROPFileName(const std::string& fileName);
 /// `std::out_of_range` for a name that is too short.
 void constructTimeStamp(const std::string& fileName, std::string& beginTime, std::string& endTime);
 
-/// The text by which reports sort in the order of their periods. Throws `Vor::VorException` when the name's times
-/// are no times, `std::out_of_range` when it is too short.
+/// The text by which reports sort in the order of their periods. Throws `Vor::VorException` when the name's
+/// times are no times, `std::out_of_range` when it is too short.
 std::string generateKey(const std::string& fileName);
 
 }  // namespace VorPm

@@ -155,8 +155,8 @@ template <class MeasObjClassT>
 void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
     for (std::uint32_t i = 0; i < measClass.nrOfMeasObjs; ++i) {
         const auto& object = measClass.measObjs[i];
-        writePieces("\t\t\t<measValue measObjLdn=\"", covertSpecialCharactersToEscapeForm(textOf(object.measObjLdn)),
-                    "\">\n");
+        writePieces("\t\t\t<measValue measObjLdn=\"",
+                    covertSpecialCharactersToEscapeForm(textOf(object.measObjLdn)), "\">\n");
         bool suspect = false;
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             const auto& value = object.values[j];
@@ -253,7 +253,8 @@ void PmReportWriter::appendFileHeader() {
     writePieces("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
                 "<?xml-stylesheet type=\"text/xsl\" href=\"MeasDataCollection.xsl\"?>\n",
                 "<measCollecFile xmlns=\"", measCollecNamespace, "\">\n",  //
-                "\t<fileHeader fileFormatVersion=\"", fileFormatVersion, "\" vendorName=\"", vendorName, "\"");
+                "\t<fileHeader fileFormatVersion=\"", fileFormatVersion, "\" vendorName=\"", vendorName,
+                "\"");
     if (!_meDnPrefix.empty()) {
         writePieces(" dnPrefix=\"", _meDnPrefix, "\"");
     }
@@ -294,7 +295,8 @@ void PmReportWriter::appendJobTag(const char* jobId) {
 }
 
 void PmReportWriter::appendGranPeriodTag(TimePeriod period) {
-    writePieces("\t\t\t<granPeriod duration=\"", timePeriod2Str(period), "\" endTime=\"", _endTimeStamp, "\"/>\n");
+    writePieces("\t\t\t<granPeriod duration=\"", timePeriod2Str(period), "\" endTime=\"", _endTimeStamp,
+                "\"/>\n");
 }
 
 void PmReportWriter::appendRepPeriodTag(TimePeriod period) {

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <Poco/AtomicCounter.h>
-
 #include <cstdint>
 #include <cstring>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include <Poco/AtomicCounter.h>
 
 #include "PmGpData.h"
 #include "PmReportFile.h"
@@ -37,10 +37,10 @@ struct CounterCompare {
     bool operator()(const char* left, const char* right) const { return std::strcmp(left, right) < 0; }
 };
 
-/// Writes one report, a measCollecFile of 3GPP TS 32.435 (format version "32.435 V10.0"), GP by GP into the temporary
-/// folder, and has it published. A GP that fails leaves only its own data out. Owned by the task manager; all
-/// operations but `interrupt` run on the worker. Order: setters, `openFile`, `writeGpData` any number of times,
-/// `finalizeReport`, and `publish` when that returned true.
+/// Writes one report, a measCollecFile of 3GPP TS 32.435 (format version "32.435 V10.0"), GP by GP into the
+/// temporary folder, and has it published. A GP that fails leaves only its own data out. Owned by the task
+/// manager; all operations but `interrupt` run on the worker. Order: setters, `openFile`, `writeGpData` any
+/// number of times, `finalizeReport`, and `publish` when that returned true.
 class PmReportWriter {
   public:
     /// Times in ns since the Unix epoch; they are the report's, whatever the GPs written later say.
@@ -56,13 +56,15 @@ class PmReportWriter {
     void setMeUserLabel(const std::string& meUserLabel) { _meUserLabel = meUserLabel; }
     void setUtcFormat(const bool& utcFormat) { _timeForm = utcFormat ? TimeForm::Utc : TimeForm::Local; }
 
-    /// Creates the report's file; its name is fixed from here on. False, with a message, when it cannot be created.
+    /// Creates the report's file; its name is fixed from here on. False, with a message, when it cannot be
+    /// created.
     bool openFile();
 
     /// Appends the GP's data. False, with a message, when it was not written completely.
     bool writeGpData(PmGpData& gp);
 
-    /// Cuts off an incomplete GP, writes the footer and closes the file. True when a complete report is in the file.
+    /// Cuts off an incomplete GP, writes the footer and closes the file. True when a complete report is in
+    /// the file.
     bool finalizeReport();
 
     /// Moves the finished report into the report folder.

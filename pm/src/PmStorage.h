@@ -1,9 +1,9 @@
 // Where reports live: the report folder, the temporary folder, and the link to the report folder. Any thread.
 #pragma once
 
-#include <Poco/File.h>
-
 #include <string>
+
+#include <Poco/File.h>
 
 namespace VorPm {
 
@@ -18,14 +18,14 @@ inline constexpr char noDirectoryCreateMarker[] = ".filemnodirectorycreate";
 std::string getInternalRootFromVorEa();
 std::string getNoBackupFromVorEa();
 
-/// The locations, without trailing "/": asked of the platform at first use, the same from then on as long as the
-/// library stays loaded. Throw like the roots; a call after a failed one asks again.
+/// The locations, without trailing "/": asked of the platform at first use, the same from then on as long as
+/// the library stays loaded. Throw like the roots; a call after a failed one asks again.
 std::string getReportFileLocation();
 std::string getReportFileTempLocation();
 std::string getReportSymlinkLocation();
 
-/// Creates the report folder, with its marker files, and the temporary folder where they are missing. True when
-/// both exist at the end; failures are logged.
+/// Creates the report folder, with its marker files, and the temporary folder where they are missing. True
+/// when both exist at the end; failures are logged.
 bool createFoldersForReportStorage();
 
 /// Links the report folder under the internal root; whatever stands at the link's path already is left there.

@@ -9,8 +9,8 @@ namespace VorPm {
 class PmDataCollector;
 class PmReportWriter;
 
-/// The work on one GP: fetches its data and has it written. Made on the worker for one GP, run once, destroyed; the
-/// GP is not handed back before that.
+/// The work on one GP: fetches its data and has it written. Made on the worker for one GP, run once,
+/// destroyed; the GP is not handed back before that.
 class PmTask {
   public:
     /// The collector and the writer outlive the task.

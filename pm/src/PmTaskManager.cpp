@@ -1,9 +1,9 @@
 #include "PmTaskManager.h"
 
-#include <Poco/DateTime.h>
-
 #include <exception>
 #include <utility>
+
+#include <Poco/DateTime.h>
 
 #include "PmConfigHandler.h"
 #include "PmDataCollector.h"
@@ -210,7 +210,8 @@ void PmTaskManager::processGp(QueuedGp& queued) {
 
 bool PmTaskManager::hasStaleWork() const {
     Poco::Mutex::ScopedLock lock(_queueMutex);
-    return (!_writers.empty() && _writersPhase < _phase) || (!_queue.empty() && _queue.front().phase < _phase);
+    return (!_writers.empty() && _writersPhase < _phase) ||
+           (!_queue.empty() && _queue.front().phase < _phase);
 }
 
 bool PmTaskManager::isPhaseOver(std::uint64_t phase) const {
@@ -286,8 +287,8 @@ void PmTaskManager::finalizeWriters() {
     LOG_TRACE(" << ");
 }
 
-/// Publishes every report that is complete and empties the registry, in key order. When one of them throws, the
-/// others are finished before the exception goes on.
+/// Publishes every report that is complete and empties the registry, in key order. When one of them throws,
+/// the others are finished before the exception goes on.
 void PmTaskManager::publishWriters() {
     std::exception_ptr fault;
     bool published = false;
@@ -345,7 +346,8 @@ int PmTaskManager::getTimerFromConfigOrDefault() {
     const int seconds = _configHandler.getPmTimerExpirationTime();
     if (seconds < minTimerSeconds || seconds > maxTimerSeconds) {
         LOG_WARNING(
-            "pmTimerExpirationTime in VOR PM configuration out of range [0 - %d].Setting to default %d seconds",
+            "pmTimerExpirationTime in VOR PM configuration out of range [0 - %d].Setting to default %d "
+            "seconds",
             maxTimerSeconds, defaultTimerSeconds);
         return defaultTimerSeconds;
     }

@@ -1,5 +1,12 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
+
 #include <Poco/AtomicCounter.h>
 #include <Poco/AutoPtr.h>
 #include <Poco/Event.h>
@@ -8,13 +15,6 @@
 #include <Poco/ThreadPool.h>
 #include <Poco/Timer.h>
 #include <Poco/Timestamp.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <deque>
-#include <map>
-#include <memory>
-#include <string>
 
 #include "IPmEventManager.h"
 #include "PmGpData.h"
@@ -25,15 +25,15 @@ class PmConfigHandler;
 class PmDataCollector;
 class PmReportWriter;
 
-/// The spine of the component: judges announced GPs, queues them, and has the worker write them into the reports of
-/// the running collection phase. Owned by the component.
+/// The spine of the component: judges announced GPs, queues them, and has the worker write them into the
+/// reports of the running collection phase. Owned by the component.
 ///
-/// A collection phase begins with the first GP accepted while none is open and ends when the timer fires, at a
-/// configured second of that minute; all its reports are published then. Phases are numbered: the worker may look
-/// only after the next phase has begun, and must mix neither GPs nor reports of the two.
+/// A collection phase begins with the first GP accepted while none is open and ends when the timer fires, at
+/// a configured second of that minute; all its reports are published then. Phases are numbered: the worker
+/// may look only after the next phase has begun, and must mix neither GPs nor reports of the two.
 ///
-/// Threads: `pushGp` any, `run` the worker's, `onTimer` a pool thread's, the rest the component's. The two locks are
-/// never held together.
+/// Threads: `pushGp` any, `run` the worker's, `onTimer` a pool thread's, the rest the component's. The two
+/// locks are never held together.
 class PmTaskManager : public Poco::Runnable, public IPmEventManager {
   public:
     /// Both outlive the task manager. The length of the phases is taken from the configuration here.
@@ -46,13 +46,14 @@ class PmTaskManager : public Poco::Runnable, public IPmEventManager {
     PmTaskManager(const PmTaskManager&) = delete;
     PmTaskManager& operator=(const PmTaskManager&) = delete;
 
-    /// The worker: returns after `stop`, with all reports published. An exception that nobody below handled is
-    /// logged and thrown on.
+    /// The worker: returns after `stop`, with all reports published. An exception that nobody below handled
+    /// is logged and thrown on.
     void run() override;
 
     KelReturnT pushGp(const VorOamSpiPmEventValue_1& event) override;
 
-    /// Ends the worker after its current GP, which is abandoned. Always 0. Once, or several times one after the other.
+    /// Ends the worker after its current GP, which is abandoned. Always 0. Once, or several times one after
+    /// the other.
     int stop();
 
     std::size_t queueSize() const;

@@ -1,13 +1,13 @@
 #include "PmTimeTexts.h"
 
+#include <array>
+#include <ctime>
+
 #include <Poco/DateTime.h>
 #include <Poco/DateTimeFormat.h>
 #include <Poco/DateTimeFormatter.h>
 #include <Poco/DateTimeParser.h>
 #include <Poco/Timestamp.h>
-
-#include <array>
-#include <ctime>
 
 namespace VorPm {
 
@@ -36,7 +36,8 @@ std::string timePeriod2Str(TimePeriod period) {
 
 std::vector<Vor::MoAccessor::Enum> getSupportedRopPeriods() {
     std::vector<Vor::MoAccessor::Enum> periods;
-    for (int period = static_cast<int>(TimePeriod::Min1); period <= static_cast<int>(TimePeriod::Hour24); ++period) {
+    for (int period = static_cast<int>(TimePeriod::Min1); period <= static_cast<int>(TimePeriod::Hour24);
+         ++period) {
         periods.emplace_back(static_cast<std::int16_t>(period));
     }
     return periods;
@@ -52,7 +53,8 @@ std::string formatTime(std::uint64_t nanoseconds, const std::string& format, Tim
 }
 
 std::string formatTimeStamp(std::uint64_t nanoseconds, TimeForm form) {
-    return formatTime(nanoseconds, form == TimeForm::Local ? "%Y-%m-%dT%H:%M:%S%z" : "%Y-%m-%dT%H:%M:%S", form);
+    return formatTime(nanoseconds, form == TimeForm::Local ? "%Y-%m-%dT%H:%M:%S%z" : "%Y-%m-%dT%H:%M:%S",
+                      form);
 }
 
 std::string timeZoneSuffix(std::uint64_t nanoseconds) {

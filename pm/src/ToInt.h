@@ -1,7 +1,7 @@
 #pragma once
 
-#include <cerrno>
 #include <cctype>
+#include <cerrno>
 #include <cstdlib>
 #include <exception>
 #include <limits>
@@ -25,8 +25,9 @@ class UnsignedIntExpectedException : public std::exception {
     const char* what() const noexcept override { return "UnsignedInt Expected Exception"; }
 };
 
-/// Converts the decimal number at the start of `text`. Returns true, or throws one of the exceptions above. When
-/// only what follows the number is at fault, `out` holds the number although an `InvalidStringException` is thrown.
+/// Converts the decimal number at the start of `text`. Returns true, or throws one of the exceptions above.
+/// When only what follows the number is at fault, `out` holds the number although an `InvalidStringException`
+/// is thrown.
 template <class IntT>
 bool toInt(const std::string& text, IntT& out) {
     errno = 0;
@@ -45,7 +46,8 @@ bool toInt(const std::string& text, IntT& out) {
         throw UnsignedIntExpectedException();
     }
     const auto number = convert();
-    if (errno == ERANGE || number < std::numeric_limits<IntT>::min() || number > std::numeric_limits<IntT>::max()) {
+    if (errno == ERANGE || number < std::numeric_limits<IntT>::min() ||
+        number > std::numeric_limits<IntT>::max()) {
         throw ValueRangeException();
     }
     out = static_cast<IntT>(number);

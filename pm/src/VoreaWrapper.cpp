@@ -1,5 +1,7 @@
 #include "VoreaWrapper.h"
 
+#include <utility>
+
 #include <Poco/Pipe.h>
 #include <Poco/PipeStream.h>
 #include <Poco/Process.h>
@@ -7,8 +9,6 @@
 #include <Poco/StreamCopier.h>
 #include <Poco/Thread.h>
 #include <sys/stat.h>
-
-#include <utility>
 
 #include "PmLog.h"
 #include "VorException.h"
