@@ -28,7 +28,10 @@ KelMgmtSpiInterface_1 optionalInterfaces[] = {
     {nullptr, "VorOamSpiPm", "2"},
 };
 
-/// A step of the start that failed in a way that leaves no choice but to refuse the start.
+KelMgmtSpiInterface_1 fileManagement = {"VorFileManagementComponent", "VorOamSpiManagedObject", "3"};
+
+/// A step of the start that failed in a way that leaves no choice but to refuse the start; the text is empty
+/// when the step told why.
 class StartRefused : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
@@ -84,6 +87,29 @@ KelReturnT VorPmComponent::initialize(const char* configPath) {
     return result;
 }
 
+const VorPmComponent::Capability VorPmComponent::capabilities[] = {
+    {&VorPmComponent::announceMaxNoOfPmFiles, nullptr,
+     "Error setting maxNoOfPmFiles attribute. PM will fail to start."},
+    {&VorPmComponent::announceFileRPSupport,
+     "The fileRPSupported attribute does not exist. Assuming PM 1.2 functionality.",
+     "Error setting fileRPSupported attribute. PM will fail to start."},
+    {&VorPmComponent::announceJobGrouping,
+     "The PmCapabilities::jobGroupingSupport attribute does not exist. JobGrouping will be disabled",
+     "Error setting jobGroupingSupport attribute. PM will fail to start."},
+    {&VorPmComponent::announceRopPeriods,
+     "The PmCapabilities::supportedRopPeriods attribute does not exist. Supported ROP Periods will not be "
+     "visible over "
+     "the NBI",
+     "Error setting supportedRopPeriods attribute. PM will fail to start."},
+    {&VorPmComponent::announceCompressionTypes,
+     "The attribute 'supportedCompressionTypes' does not exist. PM ROP file compression will be disabled.",
+     "Unable to set the attribute 'supportedCompressionTypes'. PM will fail to start."},
+    {&VorPmComponent::announceUtcRopFiles,
+     "The attribute 'producesUtcRopFiles' does not exist. PM ROP files will be generated in LocalTime format "
+     "only.",
+     "Error setting 'producesUtcRopFiles' attribute. PM will fail to start."},
+};
+
 KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
     LOG_TRACE(" >> Reason: %d", reason);
     LOG_TRACE("Starting Pm Component");
@@ -94,6 +120,17 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
         if (connectDataCollector() == VorReturnAbsent) {
             return VorReturnOk;
         }
+        if (initializeReportPathForNBI() != VorReturnOk) {
+            LOG_WARNING("initializeReportPathForNBI failed to set either fileGroup or fileLocation");
+        }
+        for (const Capability& capability : capabilities) {
+            const KelReturnT result = (this->*capability.announce)();
+            if (result == VorReturnAbsent && capability.absent != nullptr) {
+                LOG_INFORMATION("%s", capability.absent);
+            } else if (result != VorReturnOk) {
+                throw StartRefused(capability.failed);
+            }
+        }
         prepareReportStorage();
         startTaskManager();
         const KelReturnT result = PmEventConsumer::instance().start(portalV3);
@@ -103,7 +140,9 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
             return result;
         }
     } catch (const StartRefused& refusal) {
-        LOG_ERROR("%s", refusal.what());
+        if (*refusal.what() != '\0') {
+            LOG_ERROR("%s", refusal.what());
+        }
         return VorReturnFailed;
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Vor Exception while starting VorPmComponent: %s", fault.what());
@@ -132,6 +171,69 @@ KelReturnT VorPmComponent::connectDataCollector() {
         throw StartRefused("Error fetching Pm root dn or PmMeasurementCapabilities. PM will fail to start.");
     }
     return result;
+}
+
+KelReturnT VorPmComponent::initializeReportPathForNBI() {
+    LOG_TRACE(" >> ");
+    KelReturnT result = VorReturnFailed;
+    try {
+        if (isFileMPresent()) {
+            LOG_TRACE("FileM is alive sets fileGroup to: %s", getReportSymlinkLocation().c_str());
+            result = dataCollector->setReportFolderPathRelative();
+        } else {
+            LOG_TRACE("Sets fileLocation to: %s", getReportSymlinkLocation().c_str());
+            result = dataCollector->setReportFolderPathAbsolute();
+        }
+    } catch (const std::exception& fault) {
+        LOG_ERROR("PM exception: %s", fault.what());
+    }
+    LOG_TRACE(" << ");
+    return result;
+}
+
+bool VorPmComponent::isFileMPresent() {
+    KelMgmtSpiInterface_1* interface = nullptr;
+    if (portalV1->getInterface(&fileManagement, &interface) != VorReturnOk || interface == nullptr) {
+        LOG_TRACE("Could not find FilM managed object interface, assuming it is not installed");
+        return false;
+    }
+    if (!dataCollector->isFileMPresentInTarn()) {
+        LOG_TRACE("FileM not found in Tarn");
+        return false;
+    }
+    return true;
+}
+
+KelReturnT VorPmComponent::announceMaxNoOfPmFiles() {
+    unsigned short max = 0;
+    if (configHandler.getMaxNoOfPmFiles(max) != VorReturnOk) {
+        throw StartRefused("");
+    }
+    return dataCollector->setMaxNoOfPmFiles(max);
+}
+
+KelReturnT VorPmComponent::announceFileRPSupport() {
+    return dataCollector->setFileRPSupported(false);
+}
+
+KelReturnT VorPmComponent::announceJobGrouping() {
+    return dataCollector->setJobGroupingSupport();
+}
+
+KelReturnT VorPmComponent::announceRopPeriods() {
+    return dataCollector->setSupportedRopPeriods();
+}
+
+KelReturnT VorPmComponent::announceCompressionTypes() {
+    return dataCollector->setSupportedCompressionTypes();
+}
+
+KelReturnT VorPmComponent::announceUtcRopFiles() {
+    bool utc = false;
+    if (configHandler.getBooleanValueFromCfg("produceRopFilesInUtcFormat", utc) != VorReturnOk) {
+        throw StartRefused("");
+    }
+    return dataCollector->setProducesUtcRopFiles(utc);
 }
 
 void VorPmComponent::prepareReportStorage() {

@@ -57,6 +57,26 @@ class PmDataCollector {
     /// A string attribute of the managed element; -1, with `out` unchanged, when it has no value.
     int getMeString(const std::string& attrName, std::string& out);
 
+    // Capabilities, announced as attributes of the measurement-capabilities object. The framework's thread,
+    // before the worker exists. 0 written, -2 the object's class has no such attribute, -1 failed, with a
+    // message.
+
+    int setMaxNoOfPmFiles(const unsigned short& max);
+    int setFileRPSupported(bool supported);
+    /// Switches job groups on when it succeeds.
+    int setJobGroupingSupport();
+    int setSupportedRopPeriods();
+    /// Switches compression on when it succeeds.
+    int setSupportedCompressionTypes();
+    /// Takes the form of report times from `utc` when it succeeds.
+    int setProducesUtcRopFiles(const bool& utc);
+
+    /// Where clients find the reports: the path of the link, or, with file management, a file group. 0 or -1.
+    int setReportFolderPathAbsolute();
+    int setReportFolderPathRelative();
+    /// True when the model has a logical file system.
+    bool isFileMPresentInTarn();
+
   private:
     int checkForRequiredTarnData();
     template <class GpDataT, class PmT>
@@ -77,6 +97,12 @@ class PmDataCollector {
     /// value.
     template <class A, class B>
     KelReturnT getAnyAttribute(const std::string& dn, const std::string& attrName, A& out);
+
+    /// Writes an attribute in a transaction of its own.
+    template <class T>
+    KelReturnT setMoAttribute(const std::string& dn, const std::string& attrName, T value);
+    /// The dn of the logical file system. Throws `Vor::VorException` when there is none.
+    std::string getFileMDnPrefix();
 
     VorMgmtSpiInterfacePortal_1& portal;
     VorOamSpiPm_1* pmSpi1 = nullptr;
