@@ -1,6 +1,6 @@
 include(GoogleTest)
 
-# add_vor_test(NAME LABEL unit|system [SLOW] SOURCES file... LIBRARIES target...)
+# add_vor_test(NAME LABEL unit|system SOURCES file... LIBRARIES target...)
 #
 # Every test case runs in a process of its own: locations, singletons and the wall clock are process-wide.
 function(add_vor_test name)

@@ -1,7 +1,6 @@
 #include "LoggingWrapper.h"
 
 #include <cstdarg>
-#include <exception>
 #include <string>
 
 #include "VorException.h"
@@ -10,8 +9,8 @@ namespace Vor {
 
 namespace {
 
-/// Formats the record's text and hands the record over. A record that memory does not suffice for is dropped:
-/// logging must not fail its caller.
+/// Formats the record's text and hands the record over. A record that cannot be written is dropped: logging
+/// must not fail its caller.
 template <class WriteT>
 void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format, std::va_list arguments) noexcept
     __attribute__((format(printf, 3, 0)));
@@ -23,7 +22,8 @@ void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format,
         const std::string text = formatText(format, arguments);
         record.text = text.c_str();
         write(&record);
-    } catch (const std::exception&) {
+    } catch (...) {
+        // Nothing can be told without the log.
     }
 }
 

@@ -15,7 +15,8 @@ namespace {
 constexpr char description[] =
     "Runs measurement jobs on this machine and writes their reports (3GPP TS 32.435).";
 constexpr char exitStatus[] =
-    "Exit status: 0 everything published and released; 1 something went wrong while running;\n"
+    "Exit status: 0 what was fetched is published, and all is released; 1 something went wrong while "
+    "running;\n"
     "2 the command line, configuration, model or recorded counters cannot be used.";
 
 /// A folder under the user's state directory.
@@ -66,7 +67,7 @@ RunOptions parseCommandLine(int argc, const char* const* argv) {
         "End after so many collection phases that published something; 0 runs until SIGINT or SIGTERM");
     run.add_option("--log-level", options.node.logLevel,
                    "Log lines on standard error: 3 errors, 4 warnings, 6 information, 8 traces")
-        ->check(CLI::Range(0, 8));
+        ->check(CLI::Range(3, 8));
     run.add_option("--proc", options.proc, "Where the kernel's counters are read: the proc file system");
     run.add_option("--sys", options.sys, "Where the kernel's counters are read: the sys file system");
     try {

@@ -1,12 +1,12 @@
 #include "app/RunStatus.h"
 
 #include <algorithm>
-#include <ctime>
 #include <exception>
 
 #include <Poco/NumberFormatter.h>
 
-#include "LocalTime.h"
+#include "app/ClockText.h"
+#include "app/Console.h"
 #include "app/ReportFile.h"
 #include "framework/Node.h"
 
@@ -16,13 +16,7 @@ namespace {
 
 /// Reports of one phase appear together; after so long, in microseconds, without another the phase is over.
 constexpr Poco::Clock::ClockDiff settleTime = 1'000'000;
-
-std::string clockText(Poco::Timestamp time) {
-    const std::tm local = localTime(time);
-    char text[sizeof "hh:mm:ss"];
-    std::strftime(text, sizeof text, "%H:%M:%S", &local);
-    return text;
-}
+constexpr Poco::Clock::ClockDiff microsecondsPerSecond = 1'000'000;
 
 std::string countText(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -42,12 +36,9 @@ std::string describe(const GpInfo& gp) {
 
 }  // namespace
 
-RunStatus::RunStatus(std::ostream& out, std::ostream& errors, Output output)
-    : _out(out), _errors(errors), _output(output) {}
-
 void RunStatus::showStart(const Node& node) {
     std::lock_guard lock(_mutex);
-    say("node running, storage in " + node.root().path().string());
+    _console.say("node running, storage in " + node.root().path().string());
     const auto nextEnds = node.pmService().nextPeriodEnds();
     for (const MeasurementJob& job : node.jobs()) {
         const auto next = std::find_if(nextEnds.begin(), nextEnds.end(),
@@ -56,8 +47,8 @@ void RunStatus::showStart(const Node& node) {
         for (const std::string& name : job.classes) {
             classes += (classes.empty() ? "" : ", ") + name;
         }
-        say("job " + job.id + ": " + classes + " every " + periodText(job.granularityPeriod) +
-            (next != nextEnds.end() ? ", next period ends " + clockText(next->end) : ""));
+        _console.say("job " + job.id + ": " + classes + " every " + periodText(job.granularityPeriod) +
+                     (next != nextEnds.end() ? ", next period ends " + clockText(next->end) : ""));
     }
 }
 
@@ -66,9 +57,7 @@ void RunStatus::tick(const Node& node) {
     if (_phase.reports > 0 && _phase.lastReport.isElapsed(settleTime)) {
         endPhase();
     }
-    if (_output == Output::Terminal) {
-        showCountdown(node);
-    }
+    _console.showProgress(progressText(node));
 }
 
 void RunStatus::reportPublished(const std::filesystem::path& path) {
@@ -78,10 +67,10 @@ void RunStatus::reportPublished(const std::filesystem::path& path) {
     try {
         const ReportFacts facts = readReportFacts(path);
         _phase.values += facts.values;
-        say("published " + path.string() + ": " + std::to_string(facts.bytes) + " bytes, " +
-            countText(facts.blocks, "block") + ", " + countText(facts.values, "value"));
+        _console.say("published " + path.string() + ": " + std::to_string(facts.bytes) + " bytes, " +
+                     countText(facts.blocks, "block") + ", " + countText(facts.values, "value"));
     } catch (const std::exception&) {
-        say("published " + path.string() + ", and gone again");
+        _console.say("published " + path.string() + ", and gone again");
     }
 }
 
@@ -90,97 +79,101 @@ std::size_t RunStatus::phasesPublished() const {
     return _phasesPublished;
 }
 
-bool RunStatus::showEnd(const Node& node) {
+void RunStatus::complain(const std::string& fault) {
     std::lock_guard lock(_mutex);
-    if (_phase.open || _phase.reports > 0) {
-        endPhase();
-    }
-    const GpCounts counts = node.pmService().counts();
+    ++_faults;
+    _console.writeError("vor-node: " + fault);
+}
+
+bool RunStatus::showEnd(const Node& node) {
     for (const GpInfo& gp : node.pmService().unreleased()) {
         complain(describe(gp) + ": delivered, but not released");
     }
     if (const auto errors = node.log().errorCount(); errors > 0) {
         complain("the component logged " + countText(errors, "error"));
     }
-    say("node stopped: " + countText(counts.announced, "GP") + " delivered, " +
-        std::to_string(counts.fetched) + " fetched, " + std::to_string(counts.released) + " released, " +
-        countText(_phasesPublished, "phase") + " published");
+    std::lock_guard lock(_mutex);
+    if (_phase.open || _phase.reports > 0) {
+        endPhase();
+    }
+    const GpCounts counts = node.pmService().counts();
+    _console.say("node stopped: " + countText(counts.announced, "GP") + " delivered, " +
+                 std::to_string(counts.fetched) + " fetched, " + std::to_string(counts.released) +
+                 " released, " + countText(_phasesPublished, "phase") + " published");
     return _faults == 0;
 }
 
 void RunStatus::gpAnnounced(const GpInfo& gp) {
     std::lock_guard lock(_mutex);
-    say("ready: " + describe(gp));
+    _unread.insert(gp.id);
+    _console.say("ready: " + describe(gp));
 }
 
 void RunStatus::gpWithdrawn(const GpInfo& gp) {
     std::lock_guard lock(_mutex);
-    say("withdrawn, nobody is subscribed: " + describe(gp));
+    _unread.erase(gp.id);
+    _console.say("withdrawn, nobody is subscribed: " + describe(gp));
 }
 
 void RunStatus::gpFetched(const GpInfo& gp) {
     std::lock_guard lock(_mutex);
+    _unread.erase(gp.id);
+    if (_phase.open && _phase.gpEnd != gp.end) {
+        endPhase();
+    }
     if (!_phase.open) {
         _phase.open = true;
-        say("collection phase opened by " + describe(gp));
+        _phase.gpEnd = gp.end;
+        _phase.opened.update();
+        _console.say("collection phase opened by " + describe(gp));
     }
     ++_phase.fetched;
 }
 
-void RunStatus::gpReleased(const GpInfo& /*gp*/) {}
+void RunStatus::gpReleased(const GpInfo& gp) {
+    std::lock_guard lock(_mutex);
+    if (_unread.erase(gp.id) > 0) {
+        _console.say("given back unread: " + describe(gp));
+    }
+}
 
 void RunStatus::gpOverdue(const GpInfo& gp) {
-    std::lock_guard lock(_mutex);
     complain(describe(gp) + ": not released after two periods");
 }
 
 void RunStatus::clockStepped(double seconds) {
-    std::lock_guard lock(_mutex);
-    say("the clock was set by " + Poco::NumberFormatter::format(seconds, 1) +
-        " s: running periods are dropped, the next ones are suspect");
+    _console.say("the clock was set by " + Poco::NumberFormatter::format(seconds, 1) +
+                 " s: running periods are dropped, the next ones are suspect");
 }
 
 void RunStatus::periodLost(const std::string& jobId, const std::string& reason) {
-    std::lock_guard lock(_mutex);
     complain("a period of job " + jobId + " is lost: " + reason);
 }
 
 void RunStatus::endPhase() {
-    say("collection phase ended: " + countText(_phase.fetched, "GP") + " fetched, " +
-        countText(_phase.reports, "report") + " published with " + countText(_phase.values, "value"));
+    _console.say("collection phase ended: " + countText(_phase.fetched, "GP") + " fetched, " +
+                 countText(_phase.reports, "report") + " published with " +
+                 countText(_phase.values, "value"));
     if (_phase.reports > 0) {
         ++_phasesPublished;
     }
     _phase = Phase{};
 }
 
-void RunStatus::showCountdown(const Node& node) {
+std::string RunStatus::progressText(const Node& node) const {
+    if (_phase.open) {
+        return "collecting for " + std::to_string(_phase.opened.elapsed() / microsecondsPerSecond) + " s, " +
+               countText(_phase.fetched, "GP") + " fetched";
+    }
     const auto ends = node.pmService().nextPeriodEnds();
     const auto next = std::min_element(
         ends.begin(), ends.end(), [](const auto& left, const auto& right) { return left.end < right.end; });
     if (next == ends.end()) {
-        return;
+        return "";
     }
-    const auto seconds = std::max<Poco::Timestamp::TimeDiff>(0, (next->end - Poco::Timestamp()) / 1'000'000);
-    const std::string text =
-        _phase.open ? "collecting ..."
-                    : "next period ends in " + std::to_string(seconds) + " s (" + clockText(next->end) + ")";
-    _out << '\r' << text
-         << std::string(_countdownWidth > text.size() ? _countdownWidth - text.size() : 0, ' ') << std::flush;
-    _countdownWidth = text.size();
-}
-
-void RunStatus::say(const std::string& line) {
-    if (_countdownWidth > 0) {
-        _out << '\r' << std::string(_countdownWidth, ' ') << '\r';
-        _countdownWidth = 0;
-    }
-    _out << clockText(Poco::Timestamp()) << ' ' << line << std::endl;
-}
-
-void RunStatus::complain(const std::string& line) {
-    ++_faults;
-    _errors << "vor-node: " << line << std::endl;
+    const auto seconds =
+        std::max<Poco::Timestamp::TimeDiff>(0, (next->end - Poco::Timestamp()) / microsecondsPerSecond);
+    return "next period ends in " + std::to_string(seconds) + " s (" + clockText(next->end) + ")";
 }
 
 }  // namespace VorNode

@@ -1,31 +1,30 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <mutex>
-#include <ostream>
+#include <set>
 #include <string>
-#include <vector>
 
 #include <Poco/Clock.h>
+#include <Poco/Timestamp.h>
 
 #include "services/PmServiceListener.h"
 
 namespace VorNode {
 
+class Console;
 class Node;
 
 /// Tells people what the node does, and remembers what went wrong. Owned by the application, which ticks it;
 /// it hears of GPs and reports on any thread.
 ///
-/// A collection phase, as it is seen from here, opens with the first GP that is fetched and ends when reports
-/// have appeared and none has followed for a moment.
+/// A collection phase, as it is seen from here, opens with the first GP of a period's end that is fetched. It
+/// ends when reports have appeared and none has followed for a moment, or when the next one opens.
 class RunStatus : public PmServiceListener {
   public:
-    /// Status lines go to `out`; what went wrong goes to `errors`. On a terminal the wait is shown as a
-    /// countdown.
-    enum class Output { Terminal, Plain };
-    RunStatus(std::ostream& out, std::ostream& errors, Output output);
+    explicit RunStatus(Console& console) : _console(console) {}
 
     void showStart(const Node& node);
     void reportPublished(const std::filesystem::path& path);
@@ -35,6 +34,9 @@ class RunStatus : public PmServiceListener {
 
     /// Collection phases that ended and published something.
     std::size_t phasesPublished() const;
+
+    /// Something went wrong: tells it on the stream of errors.
+    void complain(const std::string& fault);
 
     /// Sums the run up, once everything is stopped. True when nothing went wrong.
     bool showEnd(const Node& node);
@@ -50,25 +52,25 @@ class RunStatus : public PmServiceListener {
   private:
     struct Phase {
         bool open = false;
+        /// When the GPs of the phase ended.
+        Poco::Timestamp gpEnd;
         std::size_t fetched = 0;
         std::size_t reports = 0;
         std::size_t values = 0;
+        Poco::Clock opened;
         Poco::Clock lastReport;
     };
 
     // With the lock held.
-    void say(const std::string& line);
-    void complain(const std::string& line);
     void endPhase();
-    void showCountdown(const Node& node);
+    std::string progressText(const Node& node) const;
 
+    Console& _console;
     /// Guards everything below.
     mutable std::mutex _mutex;
-    std::ostream& _out;
-    std::ostream& _errors;
-    const Output _output;
-    std::size_t _countdownWidth = 0;
     Phase _phase;
+    /// GPs that were announced and neither fetched nor released.
+    std::set<std::uint64_t> _unread;
     std::size_t _phasesPublished = 0;
     std::size_t _faults = 0;
 };

@@ -3,14 +3,15 @@
 #include <exception>
 #include <iostream>
 #include <memory>
-#include <optional>
 #include <string>
 
+#include <Poco/Exception.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "InputError.h"
 #include "app/CommandLine.h"
+#include "app/Console.h"
 #include "app/ReportWatcher.h"
 #include "app/RunStatus.h"
 #include "counters/KernelCounters.h"
@@ -22,6 +23,12 @@ namespace {
 using namespace VorNode;
 
 enum ExitStatus { allPublished = 0, failedRunning = 1, unusableInput = 2 };
+
+/// POCO's exceptions tell the case in another text than others.
+std::string describe(const std::exception& fault) {
+    const auto* poco = dynamic_cast<const Poco::Exception*>(&fault);
+    return poco != nullptr ? poco->displayText() : fault.what();
+}
 
 /// The signals that end the node; blocked in all threads, and taken by the main thread when it waits.
 class EndingSignals {
@@ -46,31 +53,46 @@ class EndingSignals {
 };
 
 std::unique_ptr<MeasurementProducer> makeProducer(const RunOptions& options) {
-    if (options.counters == "kernel") {
-        return std::make_unique<KernelCounters>(options.proc, options.sys);
+    if (options.counters != "kernel") {
+        return std::make_unique<RecordedCounters>(options.counters.substr(options.counters.find(':') + 1));
     }
-    return std::make_unique<RecordedCounters>(options.counters.substr(options.counters.find(':') + 1));
+    for (const std::filesystem::path& folder : {options.proc, options.sys}) {
+        std::error_code ignored;
+        if (!std::filesystem::is_directory(folder, ignored)) {
+            throw InputError(folder.string(), 0,
+                             "is no folder; name the kernel's file systems with --proc and --sys");
+        }
+    }
+    return std::make_unique<KernelCounters>(options.proc, options.sys);
 }
 
-ExitStatus run(const RunOptions& options) {
-    const EndingSignals endingSignals;
-    RunStatus status(std::cout, std::cerr,
-                     ::isatty(STDOUT_FILENO) != 0 ? RunStatus::Output::Terminal : RunStatus::Output::Plain);
-    const std::unique_ptr<MeasurementProducer> producer = makeProducer(options);
-    Node node(options.node, *producer, status, std::cerr);
-    node.start();
-    std::optional<ReportWatcher> watcher;
-    if (std::filesystem::exists(node.root().reportFolder())) {
-        watcher.emplace(node.root().reportFolder(),
-                        [&status](const std::filesystem::path& report) { status.reportPublished(report); });
-    }
+void runUntilEnd(const RunOptions& options, Node& node, RunStatus& status,
+                 const EndingSignals& endingSignals) {
+    const ReportWatcher watcher(node.root().reportFolder(), [&status](const std::filesystem::path& report) {
+        status.reportPublished(report);
+    });
     status.showStart(node);
     do {
         status.tick(node);
     } while ((options.reports == 0 || status.phasesPublished() < options.reports) &&
              !endingSignals.waitOneTick());
+    // What the stop publishes is still told of.
     node.stop();
-    watcher.reset();
+}
+
+ExitStatus run(const RunOptions& options) {
+    const EndingSignals endingSignals;
+    Console console(std::cout, std::cerr,
+                    ::isatty(STDOUT_FILENO) != 0 ? Console::Kind::Terminal : Console::Kind::Plain);
+    RunStatus status(console);
+    const std::unique_ptr<MeasurementProducer> producer = makeProducer(options);
+    Node node(options.node, *producer, status, console.errorLines());
+    node.start();
+    try {
+        runUntilEnd(options, node, status, endingSignals);
+    } catch (const std::exception& fault) {
+        status.complain(describe(fault));
+    }
     return status.showEnd(node) ? allPublished : failedRunning;
 }
 
@@ -86,7 +108,7 @@ int main(int argc, char** argv) {
         std::cerr << "vor-node: " << fault.what() << '\n';
         return unusableInput;
     } catch (const std::exception& fault) {
-        std::cerr << "vor-node: " << fault.what() << '\n';
+        std::cerr << "vor-node: " << describe(fault) << '\n';
         return failedRunning;
     }
 }

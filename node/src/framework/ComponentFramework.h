@@ -19,6 +19,9 @@ class ComponentFramework : public Service<ComponentFramework> {
 
     KelMgmtSpiPortalAccessor& portalAccessor() { return _accessor; }
 
+    /// The portal that components register at, as an interface that can be offered.
+    KelMgmtSpiInterface_1& portalInterface() { return _portal3.identity; }
+
     bool isRegistered() const { return _component != nullptr; }
 
     /// The first dependency of the registered component that nobody offers, in words.

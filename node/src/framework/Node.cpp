@@ -10,12 +10,40 @@
 
 namespace VorNode {
 
+namespace {
+
+/// Runs a step that reads the model; what it refuses is told with the model's file.
+template <class StepT>
+auto withFile(const std::filesystem::path& file, StepT step) {
+    try {
+        return step();
+    } catch (const InputError& fault) {
+        throw InputError(file, 0, fault.what());
+    }
+}
+
+std::vector<MeasurementJob> readJobs(const Model& model, const std::filesystem::path& file) {
+    return withFile(file, [&model] {
+        if (model.objectsOf("ManagedElement").empty()) {
+            throw InputError("has no object of class ManagedElement; write one");
+        }
+        std::vector<MeasurementJob> jobs = readActiveJobs(model);
+        if (jobs.empty()) {
+            throw InputError("has no active job; write a PmJob object whose jobState is 1");
+        }
+        return jobs;
+    });
+}
+
+}  // namespace
+
 Node::Node(const NodeOptions& options, MeasurementProducer& producer, PmServiceListener& listener,
            std::ostream& log)
-    : _root(options.root),
+    : _modelFile(options.model),
+      _root(options.root),
       _log(log),
       _model(loadModel(options.model)),
-      _jobs(readActiveJobs(*_model)),
+      _jobs(readJobs(*_model, options.model)),
       _transactions(*_model),
       _managedObjects(*_model, _transactions),
       _modelRepository(*_model),
@@ -48,7 +76,7 @@ void Node::offerServices() {
     // The component's list of dependencies has other names for the router than its look-ups.
     static const KelMgmtSpiInterface_1 routerAsDependency{"KelOamSpiEventService", "KelOamSpiEventRouter",
                                                           "1"};
-    _registry.offerAs(Vor::Portal::COMP_ID, Vor::Portal::COMP_ID);
+    _registry.offerAs(Vor::Portal::COMP_ID, _framework.portalInterface());
     _registry.offer(_log.logInterface());
     _registry.offer(_log.traceInterface());
     _registry.offer(_router.interface());
@@ -68,6 +96,10 @@ void Node::loadComponent(const NodeOptions& options) {
                          "the component refused this configuration (result " + std::to_string(result) +
                              "); the log above tells why");
     }
+    if (!_framework.isRegistered()) {
+        throw InputError(options.library, 0,
+                         "registered no component; name the component's library with --library");
+    }
     if (const auto missing = _framework.missingDependency()) {
         throw InputError(options.library, 0,
                          "the component depends on " + *missing + ", which this node does not offer");
@@ -82,7 +114,12 @@ void Node::start() {
             throw std::runtime_error("the component did not start (result " + std::to_string(result) +
                                      "); the log above tells why");
         }
-        _pmService.start();
+        if (!std::filesystem::exists(_root.reportFolder())) {
+            throw std::runtime_error("the component keeps its reports elsewhere than in " +
+                                     _root.reportFolder().string() +
+                                     "; take the vorea that answers for another node off the search path");
+        }
+        withFile(_modelFile, [this] { _pmService.start(); });
     } catch (...) {
         shutDown();
         throw;

@@ -79,6 +79,7 @@ class Node {
     /// The component's result.
     KelReturnT shutDown();
 
+    const std::filesystem::path _modelFile;
     NodeRoot _root;
     LogService _log;
     const std::unique_ptr<Model> _model;

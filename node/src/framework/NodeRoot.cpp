@@ -32,7 +32,12 @@ bool isOnSearchPath(const char* command, const std::string& searchPath) {
 
 }  // namespace
 
-NodeRoot::NodeRoot(const fs::path& path) : _path(fs::absolute(path).lexically_normal()) {
+NodeRoot::NodeRoot(const fs::path& path) {
+    std::error_code unusable;
+    _path = fs::absolute(path, unusable).lexically_normal();
+    if (unusable) {
+        throw InputError("--root '" + path.string() + "' is no path; name a folder of your own");
+    }
     for (const fs::path& folder : {_path / "internal", _path / "no-backup"}) {
         std::error_code fault;
         fs::create_directories(folder, fault);
@@ -50,9 +55,12 @@ NodeRoot::NodeRoot(const fs::path& path) : _path(fs::absolute(path).lexically_no
                              "; name a folder of your own with --root");
     }
     if (::flock(_lock, LOCK_EX | LOCK_NB) != 0) {
+        const int reason = errno;
         ::close(_lock);
         throw InputError(_path.string(), 0,
-                         "another node runs on this root; stop it, or name another root with --root");
+                         reason == EWOULDBLOCK
+                             ? "another node runs on this root; stop it, or name another root with --root"
+                             : std::string("cannot be locked: ") + std::strerror(reason));
     }
 }
 
