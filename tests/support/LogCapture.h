@@ -1,0 +1,53 @@
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "VorMwSpiLog.h"
+
+namespace VorTest {
+
+struct LogLine {
+    int level;
+    std::string operation;
+    std::string text;
+
+    bool operator==(const LogLine&) const = default;
+};
+
+/// Takes the log in place of the platform's services, traces included, for as long as it lives; at most one
+/// does. Any thread.
+class LogCapture {
+  public:
+    LogCapture();
+    ~LogCapture();
+    LogCapture(const LogCapture&) = delete;
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    /// Called with every record, on the thread that writes it, before the record counts as written. Set
+    /// before other threads log.
+    std::function<void(const LogLine&)> onLine;
+
+    /// What was written so far.
+    std::vector<LogLine> lines() const;
+    /// Lines of a level below that of traces.
+    std::vector<LogLine> messages() const;
+    int count(int level, const std::string& textFragment) const;
+    void clear();
+
+    /// True as soon as so many lines hold the fragment; false when that takes longer than a generous
+    /// deadline.
+    bool waitFor(const std::string& textFragment, int times = 1) const;
+
+  private:
+    static void write(const VorMwSpiLogRecord* record);
+
+    mutable std::mutex _mutex;
+    mutable std::condition_variable _written;
+    std::vector<LogLine> _lines;
+};
+
+}  // namespace VorTest

@@ -1,0 +1,91 @@
+#include "ReportCheck.h"
+
+#include <set>
+
+#include <Poco/AutoPtr.h>
+#include <Poco/DOM/DOMParser.h>
+#include <Poco/DOM/Document.h>
+#include <Poco/DOM/Element.h>
+#include <Poco/DOM/NodeList.h>
+#include <Poco/Exception.h>
+#include <Poco/FileStream.h>
+#include <Poco/InflatingStream.h>
+#include <Poco/StreamCopier.h>
+#include <gtest/gtest.h>
+
+#include "TemporaryRoot.h"
+
+namespace VorTest {
+
+namespace {
+
+using Poco::XML::Element;
+
+Element* elementAt(const Poco::AutoPtr<Poco::XML::NodeList>& list, unsigned long index) {
+    return static_cast<Element*>(list->item(index));
+}
+
+std::string faultInClass(Element& measInfo) {
+    std::set<std::string> numbers;
+    const Poco::AutoPtr<Poco::XML::NodeList> types = measInfo.getElementsByTagName("measType");
+    for (unsigned long i = 0; i < types->length(); ++i) {
+        if (!numbers.insert(elementAt(types, i)->getAttribute("p")).second) {
+            return "measType number given twice";
+        }
+    }
+    const Poco::AutoPtr<Poco::XML::NodeList> values = measInfo.getElementsByTagName("r");
+    for (unsigned long i = 0; i < values->length(); ++i) {
+        if (!numbers.contains(elementAt(values, i)->getAttribute("p"))) {
+            return "r without its measType";
+        }
+    }
+    return "";
+}
+
+}  // namespace
+
+std::string faultIn(const std::string& report) {
+    try {
+        Poco::XML::DOMParser parser;
+        const Poco::AutoPtr<Poco::XML::Document> document = parser.parseString(report);
+        for (const char* part : {"fileHeader", "measData", "fileFooter"}) {
+            const Poco::AutoPtr<Poco::XML::NodeList> found = document->getElementsByTagName(part);
+            if (found->length() != 1) {
+                return std::string("not exactly one ") + part;
+            }
+        }
+        const Poco::AutoPtr<Poco::XML::NodeList> classes = document->getElementsByTagName("measInfo");
+        for (unsigned long i = 0; i < classes->length(); ++i) {
+            const std::string fault = faultInClass(*elementAt(classes, i));
+            if (!fault.empty()) {
+                return fault;
+            }
+        }
+        return report.ends_with("</measCollecFile>\n") ? "" : "does not end with its last tag";
+    } catch (const Poco::Exception& fault) {
+        return fault.displayText();
+    }
+}
+
+std::string readReport(const std::filesystem::path& path) {
+    if (path.extension() != ".gz") {
+        return readFile(path);
+    }
+    Poco::FileInputStream file(path.string(), std::ios::in | std::ios::binary);
+    Poco::InflatingInputStream unpacked(file, Poco::InflatingStreamBuf::STREAM_GZIP);
+    std::string text;
+    Poco::StreamCopier::copyToString(unpacked, text);
+    return text;
+}
+
+int checkReports(const std::filesystem::path& folder) {
+    int whole = 0;
+    for (const std::string& name : TemporaryRoot::filesIn(folder)) {
+        const std::string fault = faultIn(readReport(folder / name));
+        EXPECT_EQ(fault, "") << name;
+        whole += fault.empty() ? 1 : 0;
+    }
+    return whole;
+}
+
+}  // namespace VorTest

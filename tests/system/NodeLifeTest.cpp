@@ -1,0 +1,145 @@
+// The whole road: a node in this process, the real library, a moved wall clock.
+#include <cstdlib>
+#include <regex>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "InputError.h"
+#include "ReportCheck.h"
+#include "TestNode.h"
+#include "counters/KernelCounters.h"
+
+namespace {
+
+using VorTest::at;
+using VorTest::readReport;
+using VorTest::TemporaryRoot;
+using VorTest::TestNode;
+using VorTest::WallClock;
+
+constexpr std::int64_t second = 1'000'000'000;
+
+constexpr char exampleCounters[] = R"({"jobs": {"%s": {"classes": [{"name": "C1", "objects": [
+    {"ldn": "Cell=1", "values": [{"type": "b", "int": 5}, {"type": "a", "float": 1.5}]},
+    {"ldn": "Cell=2", "values": [{"type": "c", "ints": [1, 2, 3], "suspect": true}, {"type": "a", "nil": true}]}
+]}]}}})";
+
+std::string countersOf(const std::string& job) {
+    return std::regex_replace(exampleCounters, std::regex("%s"), job);
+}
+
+class NodeLife : public testing::Test {
+  protected:
+    void SetUp() override { ::setenv("TZ", "XXX-1", 1); }
+
+    std::vector<std::string> reports(const TestNode& node) const {
+        return TemporaryRoot::filesIn(node.root().reportFolder());
+    }
+};
+
+TEST_F(NodeLife, WritesTheKnownReportByteForByte) {
+    const WallClock clock(at("2017-03-05T14:14:59+01:00"));
+    TestNode node;
+    std::filesystem::copy_file(std::filesystem::path(VOR_TEST_GOLDEN) / "example-model.xml", node.modelFile(),
+                               std::filesystem::copy_options::overwrite_existing);
+    node.start(countersOf("J1"));
+    ASSERT_TRUE(node.gps.waitForReleases(1));
+    node.stop();
+    const std::string name = "A20170305.1400+0100-1415+0100_ME1.xml";
+    ASSERT_EQ(reports(node), std::vector{name});
+    // The element's software version is always number, blank, revision.
+    EXPECT_EQ(
+        std::regex_replace(readReport(node.root().reportFolder() / name), std::regex("CXP1 R1A"), "R1A"),
+        VorTest::readFile(std::filesystem::path(VOR_TEST_GOLDEN) / "report-local.xml"));
+}
+
+TEST_F(NodeLife, EachPhaseMakesItsOwnReports) {
+    const WallClock clock(at("2026-03-05T10:00:59+01:00"));
+    TestNode node;
+    node.start(countersOf("J1"));
+    ASSERT_TRUE(node.waitForReports(1)) << "published by the timer";
+    WallClock::set(at("2026-03-05T10:01:30+01:00"));
+    WallClock::set(at("2026-03-05T10:01:59+01:00"));
+    ASSERT_TRUE(node.waitForReports(2));
+    node.stop();
+    EXPECT_EQ(reports(node), (std::vector<std::string>{"A20260305.1000+0100-1001+0100_ME1.xml",
+                                                       "A20260305.1001+0100-1002+0100_ME1.xml"}));
+    EXPECT_EQ(VorTest::checkReports(node.root().reportFolder()), 2);
+    // Both jobs of the minute are in one report: their period and group are the same.
+    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    EXPECT_NE(report.find("<job jobId=\"J1\"/>"), std::string::npos);
+    EXPECT_TRUE(TemporaryRoot::filesIn(node.root().temporaryFolder()).empty());
+}
+
+TEST_F(NodeLife, VersionOneLeavesOutWhatItCannotCarry) {
+    const WallClock clock(at("2026-03-05T10:00:59+01:00"));
+    TestNode node("<pmServiceVersions>1</pmServiceVersions>");
+    node.start(countersOf("J1"));
+    ASSERT_TRUE(node.gps.waitForReleases(2));
+    node.stop();
+    ASSERT_EQ(VorTest::checkReports(node.root().reportFolder()), 1);
+    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    EXPECT_NE(report.find("<r p=\"2\">1.5</r>"), std::string::npos);
+    EXPECT_EQ(report.find("1,2,3"), std::string::npos);
+    EXPECT_EQ(report.find("NIL"), std::string::npos);
+}
+
+TEST_F(NodeLife, MeasuresThePreparedKernel) {
+    ::setenv("TZ", "Asia/Kolkata", 1);
+    const WallClock clock(at("2026-03-05T10:00:30+05:30"));
+    TestNode node;
+    const std::filesystem::path proc = node.root().path() / "proc";
+    std::filesystem::create_directories(proc);
+    VorTest::writeFile(proc / "meminfo", "MemTotal: 1000 kB\nMemFree: 400 kB\nMemAvailable: 500 kB\n");
+    VorTest::writeFile(proc / "loadavg", "0.25 1.5 2 3/128 4711\n");
+    node.start(std::make_unique<VorNode::KernelCounters>(proc, node.root().path() / "sys"));
+    VorTest::writeFile(proc / "loadavg", "0.5 1.5 2 4/129 4712\n");
+    WallClock::shift(29 * second);
+    // The clock was set while the period ran, so its values are suspect, like those of a period begun late.
+    ASSERT_TRUE(node.gps.waitForReleases(2));
+    node.stop();
+    ASSERT_EQ(reports(node), std::vector<std::string>{"A20260305.1000+0530-1001+0530_ME1.xml"});
+    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    EXPECT_EQ(VorTest::faultIn(report), "");
+    EXPECT_NE(report.find("endTime=\"2026-03-05T10:01:00+05:30\""), std::string::npos);
+    for (const char* value : {">1000</r>", ">0.5</r>", ">129</r>", ">NIL</r>", "<suspect>true</suspect>"}) {
+        EXPECT_NE(report.find(value), std::string::npos) << value;
+    }
+}
+
+TEST_F(NodeLife, LogsEveryRecordOnALineOfItsOwn) {
+    const WallClock clock(at("2026-03-05T10:00:59+01:00"));
+    TestNode node;
+    node.start(countersOf("J1"));
+    ASSERT_TRUE(node.gps.waitForReleases(2));
+    node.stop();
+    const std::regex line(R"(2026-03-05T10:0\d:\d\d\.\d{3}\+01:00 [3468] \S+: .*)");
+    std::istringstream log(node.log());
+    int lines = 0;
+    for (std::string text; std::getline(log, text); ++lines) {
+        EXPECT_TRUE(std::regex_match(text, line)) << text;
+    }
+    EXPECT_GT(lines, 50);
+}
+
+// A second node in the process loads the library anew and finds its storage anew.
+TEST_F(NodeLife, NodesFollowEachOther) {
+    for (int round = 0; round < 2; ++round) {
+        const WallClock clock(at("2026-03-05T10:00:59+01:00"));
+        TestNode node;
+        node.start(countersOf("J2"));
+        ASSERT_TRUE(node.gps.waitForReleases(2));
+        node.stop();
+        EXPECT_EQ(VorTest::checkReports(node.root().reportFolder()), 1);
+    }
+}
+
+TEST_F(NodeLife, RefusesASecondNodeOnItsRoot) {
+    TestNode node;
+    const VorNode::NodeRoot held(node.root().path());
+    EXPECT_THROW(node.start("{\"jobs\": {}}"), VorNode::InputError);
+}
+
+}  // namespace

@@ -1,0 +1,143 @@
+#include "TestNode.h"
+
+#include <chrono>
+
+#include <Poco/DateTimeFormat.h>
+#include <Poco/DateTimeParser.h>
+#include <Poco/Delegate.h>
+#include <Poco/DirectoryWatcher.h>
+#include <Poco/Event.h>
+#include <gtest/gtest.h>
+
+#include "counters/RecordedCounters.h"
+
+namespace VorTest {
+
+namespace {
+
+constexpr std::chrono::seconds deadline{60};
+constexpr long tryMilliseconds = 100;
+
+constexpr char model[] = R"(<Model>
+  <Class path="ManagedElement">
+    <Attribute name="networkManagedElementId" type="string"/><Attribute name="managedElementId" type="string"/>
+    <Attribute name="userLabel" type="string"/><Attribute name="dnPrefix" type="string"/>
+    <Attribute name="productIdentity" type="struct"/>
+  </Class>
+  <Class path="ManagedElement,SystemFunctions,SwInventory"><Attribute name="active" type="ref"/></Class>
+  <Class path="ManagedElement,SystemFunctions,SwInventory,SwVersion">
+    <Attribute name="administrativeData" type="struct"/>
+  </Class>
+  <Class path="ManagedElement,SystemFunctions,Pm"/>
+  <Class path="ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities">
+    <Attribute name="maxNoOfPmFiles" type="uint16"/><Attribute name="producesUtcRopFiles" type="bool"/>
+    <Attribute name="jobGroupingSupport" type="bool"/><Attribute name="fileRPSupported" type="bool"/>
+    <Attribute name="supportedRopPeriods" type="enum" seq="true"/>
+    <Attribute name="supportedCompressionTypes" type="enum" seq="true"/>
+    <Attribute name="fileLocation" type="string"/><Attribute name="fileGroup" type="ref" seq="true"/>
+  </Class>
+  <Class path="ManagedElement,SystemFunctions,Pm,PmJob">
+    <Attribute name="granularityPeriod" type="enum"/><Attribute name="reportingPeriod" type="enum"/>
+    <Attribute name="jobGroup" type="string"/><Attribute name="compressionType" type="enum"/>
+    <Attribute name="jobState" type="enum"/><Attribute name="measuredClasses" type="string" seq="true"/>
+  </Class>
+  <Object dn="ManagedElement=1">
+    <Attribute name="networkManagedElementId">ME1</Attribute><Attribute name="dnPrefix">SubNetwork=1</Attribute>
+  </Object>
+  <Object dn="ManagedElement=1,SystemFunctions=1,SwInventory=1">
+    <Attribute name="active">ManagedElement=1,SystemFunctions=1,SwInventory=1,SwVersion=1</Attribute>
+  </Object>
+  <Object dn="ManagedElement=1,SystemFunctions=1,SwInventory=1,SwVersion=1">
+    <Attribute name="administrativeData">
+      <Member name="productName">TypeA</Member><Member name="productNumber">CXP1</Member>
+      <Member name="productRevision">R1A</Member>
+    </Attribute>
+  </Object>
+  <Object dn="ManagedElement=1,SystemFunctions=1,Pm=1"/>
+  <Object dn="ManagedElement=1,SystemFunctions=1,Pm=1,PmMeasurementCapabilities=1"/>
+  )";
+
+std::string jobObject(const std::string& id, int period, const std::string& measuredClass) {
+    const std::string number = std::to_string(period);
+    return "<Object dn=\"ManagedElement=1,SystemFunctions=1,Pm=1,PmJob=" + id +
+           "\"><Attribute name=\"granularityPeriod\">" + number +
+           "</Attribute><Attribute name=\"reportingPeriod\">" + number +
+           "</Attribute><Attribute name=\"jobState\">1</Attribute><Attribute "
+           "name=\"measuredClasses\"><Value>" +
+           measuredClass + "</Value></Attribute></Object>\n";
+}
+
+}  // namespace
+
+bool GpWatch::waitForReleases(int count) {
+    std::unique_lock lock(_mutex);
+    return _changed.wait_for(lock, deadline, [&] { return _released >= count; });
+}
+
+void GpWatch::gpReleased(const VorNode::GpInfo& /*gp*/) {
+    std::lock_guard lock(_mutex);
+    ++_released;
+    _changed.notify_all();
+}
+
+TestNode::TestNode(const std::string& nodeSettings) {
+    writeFile(configurationFile(),
+              "<C><VorPmComp><pmTimerExpirationTime>1</pmTimerExpirationTime></VorPmComp><VorNode>" +
+                  nodeSettings + "</VorNode></C>");
+    writeFile(modelFile(), model + jobObject("J1", 3, "Memory") + jobObject("J2", 3, "Load") +
+                               jobObject("J15", 5, "Softirqs") + "</Model>");
+}
+
+TestNode::~TestNode() {
+    stop();
+}
+
+VorNode::NodeOptions TestNode::options() const {
+    const VorNode::InstallPaths paths = VorNode::InstallPaths::ofThisProgram();
+    return {configurationFile(), modelFile(), _root.path(), paths.library, paths.commands, 8};
+}
+
+void TestNode::start(const std::string& countersJson) {
+    const std::filesystem::path counters = _root.path() / "counters.json";
+    writeFile(counters, countersJson);
+    start(std::make_unique<VorNode::RecordedCounters>(counters));
+}
+
+void TestNode::start(std::unique_ptr<VorNode::MeasurementProducer> producer) {
+    _producer = std::move(producer);
+    _node = std::make_unique<VorNode::Node>(options(), *_producer, gps, _log);
+    _node->start();
+    _started = true;
+}
+
+void TestNode::stop() {
+    if (_node == nullptr) {
+        return;
+    }
+    _node->stop();
+    const VorNode::GpCounts counts = _node->pmService().counts();
+    EXPECT_EQ(counts.released, counts.announced);
+    EXPECT_TRUE(counts.announced > 0 || !_started) << "no GP was delivered";
+    _node.reset();
+}
+
+bool TestNode::waitForReports(std::size_t count) const {
+    Poco::Event never;
+    const auto giveUp = std::chrono::steady_clock::now() + deadline;
+    while (TemporaryRoot::filesIn(_root.reportFolder()).size() < count) {
+        if (std::chrono::steady_clock::now() > giveUp) {
+            return false;
+        }
+        never.tryWait(tryMilliseconds);
+    }
+    return true;
+}
+
+std::int64_t at(const std::string& iso) {
+    int offset = 0;
+    Poco::DateTime time = Poco::DateTimeParser::parse(Poco::DateTimeFormat::ISO8601_FORMAT, iso, offset);
+    time.makeUTC(offset);
+    return time.timestamp().epochMicroseconds() * 1000;
+}
+
+}  // namespace VorTest
