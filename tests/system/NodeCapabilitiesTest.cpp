@@ -26,7 +26,7 @@ constexpr char counters[] =
 
 class NodeCapabilities : public testing::Test {
   protected:
-    void SetUp() override { ::setenv("TZ", "XXX-1", 1); }
+    void SetUp() override { ::setenv("TZ", "CET-1", 1); }
 };
 
 TEST_F(NodeCapabilities, SwitchOnGroupsCompressionAndUtc) {

@@ -32,7 +32,7 @@ std::string countersOf(const std::string& job) {
 
 class NodeLife : public testing::Test {
   protected:
-    void SetUp() override { ::setenv("TZ", "XXX-1", 1); }
+    void SetUp() override { ::setenv("TZ", "CET-1", 1); }
 
     std::vector<std::string> reports(const TestNode& node) const {
         return TemporaryRoot::filesIn(node.root().reportFolder());

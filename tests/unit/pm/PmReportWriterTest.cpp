@@ -24,7 +24,7 @@ struct CommaNumbers : std::numpunct<char> {
 class PmReportWriterTest : public StorageTest {
   protected:
     PmReportWriterTest() {
-        ::setenv("TZ", "XXX-1", 1);
+        ::setenv("TZ", "CET-1", 1);
         root.createReportFolders();
     }
 
