@@ -7,6 +7,7 @@
 #include <Poco/Process.h>
 #include <Poco/Runnable.h>
 #include <Poco/StreamCopier.h>
+#include <Poco/String.h>
 #include <Poco/Thread.h>
 #include <sys/stat.h>
 
@@ -63,11 +64,7 @@ bool pathExists(const std::string& path) {
 }  // namespace
 
 std::string VoreaWrapper::serialize(const std::vector<std::string>& args) {
-    std::string text;
-    for (const std::string& argument : args) {
-        text += (text.empty() ? "" : " ") + argument;
-    }
-    return text;
+    return Poco::cat(std::string(" "), args.begin(), args.end());
 }
 
 std::string VoreaWrapper::invoke(const std::vector<std::string>& args) {

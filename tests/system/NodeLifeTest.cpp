@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "InputError.h"
 #include "ReportCheck.h"
 #include "TestNode.h"
 #include "counters/KernelCounters.h"
@@ -42,8 +41,7 @@ class NodeLife : public testing::Test {
 TEST_F(NodeLife, WritesTheKnownReportByteForByte) {
     const WallClock clock(at("2017-03-05T14:14:59+01:00"));
     TestNode node;
-    std::filesystem::copy_file(std::filesystem::path(VOR_TEST_GOLDEN) / "example-model.xml", node.modelFile(),
-                               std::filesystem::copy_options::overwrite_existing);
+    node.runJobs({{"J1", 5}});
     node.start(countersOf("J1"));
     ASSERT_TRUE(node.gps.waitForReleases(1));
     node.stop();
@@ -109,21 +107,6 @@ TEST_F(NodeLife, MeasuresThePreparedKernel) {
     }
 }
 
-TEST_F(NodeLife, LogsEveryRecordOnALineOfItsOwn) {
-    const WallClock clock(at("2026-03-05T10:00:59+01:00"));
-    TestNode node;
-    node.start(countersOf("J1"));
-    ASSERT_TRUE(node.gps.waitForReleases(2));
-    node.stop();
-    const std::regex line(R"(2026-03-05T10:0\d:\d\d\.\d{3}\+01:00 [3468] \S+: .*)");
-    std::istringstream log(node.log());
-    int lines = 0;
-    for (std::string text; std::getline(log, text); ++lines) {
-        EXPECT_TRUE(std::regex_match(text, line)) << text;
-    }
-    EXPECT_GT(lines, 50);
-}
-
 // A second node in the process loads the library anew and finds its storage anew.
 TEST_F(NodeLife, NodesFollowEachOther) {
     for (int round = 0; round < 2; ++round) {
@@ -134,12 +117,6 @@ TEST_F(NodeLife, NodesFollowEachOther) {
         node.stop();
         EXPECT_EQ(VorTest::checkReports(node.root().reportFolder()), 1);
     }
-}
-
-TEST_F(NodeLife, RefusesASecondNodeOnItsRoot) {
-    TestNode node;
-    const VorNode::NodeRoot held(node.root().path());
-    EXPECT_THROW(node.start("{\"jobs\": {}}"), VorNode::InputError);
 }
 
 }  // namespace

@@ -18,53 +18,16 @@ namespace {
 constexpr std::chrono::seconds deadline{60};
 constexpr long tryMilliseconds = 100;
 
-constexpr char model[] = R"(<Model>
-  <Class path="ManagedElement">
-    <Attribute name="networkManagedElementId" type="string"/><Attribute name="managedElementId" type="string"/>
-    <Attribute name="userLabel" type="string"/><Attribute name="dnPrefix" type="string"/>
-    <Attribute name="productIdentity" type="struct"/>
-  </Class>
-  <Class path="ManagedElement,SystemFunctions,SwInventory"><Attribute name="active" type="ref"/></Class>
-  <Class path="ManagedElement,SystemFunctions,SwInventory,SwVersion">
-    <Attribute name="administrativeData" type="struct"/>
-  </Class>
-  <Class path="ManagedElement,SystemFunctions,Pm"/>
-  <Class path="ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities">
-    <Attribute name="maxNoOfPmFiles" type="uint16"/><Attribute name="producesUtcRopFiles" type="bool"/>
-    <Attribute name="jobGroupingSupport" type="bool"/><Attribute name="fileRPSupported" type="bool"/>
-    <Attribute name="supportedRopPeriods" type="enum" seq="true"/>
-    <Attribute name="supportedCompressionTypes" type="enum" seq="true"/>
-    <Attribute name="fileLocation" type="string"/><Attribute name="fileGroup" type="ref" seq="true"/>
-  </Class>
-  <Class path="ManagedElement,SystemFunctions,Pm,PmJob">
-    <Attribute name="granularityPeriod" type="enum"/><Attribute name="reportingPeriod" type="enum"/>
-    <Attribute name="jobGroup" type="string"/><Attribute name="compressionType" type="enum"/>
-    <Attribute name="jobState" type="enum"/><Attribute name="measuredClasses" type="string" seq="true"/>
-  </Class>
-  <Object dn="ManagedElement=1">
-    <Attribute name="networkManagedElementId">ME1</Attribute><Attribute name="dnPrefix">SubNetwork=1</Attribute>
-  </Object>
-  <Object dn="ManagedElement=1,SystemFunctions=1,SwInventory=1">
-    <Attribute name="active">ManagedElement=1,SystemFunctions=1,SwInventory=1,SwVersion=1</Attribute>
-  </Object>
-  <Object dn="ManagedElement=1,SystemFunctions=1,SwInventory=1,SwVersion=1">
-    <Attribute name="administrativeData">
-      <Member name="productName">TypeA</Member><Member name="productNumber">CXP1</Member>
-      <Member name="productRevision">R1A</Member>
-    </Attribute>
-  </Object>
-  <Object dn="ManagedElement=1,SystemFunctions=1,Pm=1"/>
-  <Object dn="ManagedElement=1,SystemFunctions=1,Pm=1,PmMeasurementCapabilities=1"/>
-  )";
+constexpr int minute = 3;
 
-std::string jobObject(const std::string& id, int period, const std::string& measuredClass) {
+std::string jobObject(const std::string& id, int period) {
     const std::string number = std::to_string(period);
     return "<Object dn=\"ManagedElement=1,SystemFunctions=1,Pm=1,PmJob=" + id +
            "\"><Attribute name=\"granularityPeriod\">" + number +
            "</Attribute><Attribute name=\"reportingPeriod\">" + number +
            "</Attribute><Attribute name=\"jobState\">1</Attribute><Attribute "
            "name=\"measuredClasses\"><Value>" +
-           measuredClass + "</Value></Attribute></Object>\n";
+           (id == "J1" ? "Memory" : "Load") + "</Value></Attribute></Object>\n";
 }
 
 }  // namespace
@@ -84,8 +47,15 @@ TestNode::TestNode(const std::string& nodeSettings) {
     writeFile(configurationFile(),
               "<C><VorPmComp><pmTimerExpirationTime>1</pmTimerExpirationTime></VorPmComp><VorNode>" +
                   nodeSettings + "</VorNode></C>");
-    writeFile(modelFile(), model + jobObject("J1", 3, "Memory") + jobObject("J2", 3, "Load") +
-                               jobObject("J15", 5, "Softirqs") + "</Model>");
+    runJobs({{"J1", minute}, {"J2", minute}});
+}
+
+void TestNode::runJobs(const std::map<std::string, int>& periodByJob) const {
+    std::string model = readFile(std::filesystem::path(VOR_TEST_GOLDEN) / "system-model.xml");
+    for (const auto& [id, period] : periodByJob) {
+        model.insert(model.find("</Model>"), jobObject(id, period));
+    }
+    writeFile(modelFile(), model);
 }
 
 TestNode::~TestNode() {

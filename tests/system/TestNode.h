@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <sstream>
@@ -29,9 +30,9 @@ class GpWatch : public VorNode::PmServiceListener {
     int _released = 0;
 };
 
-/// A whole node in this process: the real library and services on a temporary root. Its jobs are those of a
-/// small model: J1 (one minute), J2 (one minute) and J15 (15 minutes). The files are written when the object
-/// is made and may be replaced until `start`.
+/// A whole node in this process: the real library and services on a temporary root. Its jobs are J1, which
+/// measures memory, and J2, which measures the load, each minute. The files are written when the object is
+/// made and may be replaced until `start`.
 class TestNode {
   public:
     /// Collection phases end in the first second of the minute; `nodeSettings` go into the node's own
@@ -40,6 +41,9 @@ class TestNode {
     ~TestNode();
     TestNode(const TestNode&) = delete;
     TestNode& operator=(const TestNode&) = delete;
+
+    /// Replaces the jobs; periods are the model's numbers.
+    void runJobs(const std::map<std::string, int>& periodByJob) const;
 
     /// Starts with recorded counters.
     void start(const std::string& countersJson);

@@ -53,7 +53,7 @@ TEST_F(LogServiceTest, writesOneLineForEachRecord) {
 
 TEST_F(LogServiceTest, doesNotMixTheLinesOfThreads) {
     const auto writeOften = [&](char letter) {
-        for (int i = 0; i < 200; ++i)
+        for (int i = 0; i < 2000; ++i)
             write(i % 2 == 0 ? 6 : 8, "op", std::string(300, letter).c_str());
     };
     std::thread other(writeOften, 'a');
@@ -63,7 +63,7 @@ TEST_F(LogServiceTest, doesNotMixTheLinesOfThreads) {
     int lines = 0;
     for (std::string line; std::getline(written, line); ++lines)
         ASSERT_EQ(line.substr(line.find("op: ")), "op: " + std::string(300, line.back()));
-    EXPECT_EQ(lines, 2 * 200);
+    EXPECT_EQ(lines, 2 * 2000);
 }
 
 }  // namespace

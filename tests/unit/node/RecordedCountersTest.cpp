@@ -20,7 +20,8 @@ void expectRefusal(const std::string& text, const std::string& fragment) {
         load(text);
         ADD_FAILURE() << "accepted: " << text;
     } catch (const InputError& error) {
-        EXPECT_NE(std::string(error.what()).find(fragment), std::string::npos) << text << "\n" << error.what();
+        EXPECT_NE(std::string(error.what()).find(fragment), std::string::npos) << text << "\n"
+                                                                               << error.what();
     }
 }
 

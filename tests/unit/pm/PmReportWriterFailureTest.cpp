@@ -166,6 +166,12 @@ TEST_F(PmReportWriterFailureTest, tellsWhyThereIsNoReport) {
 }
 
 TEST_F(PmReportWriterFailureTest, opensNoFileButItsOwn) {
+    const auto first = open(1);
+    EXPECT_TRUE(first->writeGpData(*gps[0]));
+    EXPECT_FALSE(open(1)->writeGpData(*gps[1]));
+    EXPECT_EQ(messages().front(),
+              "3 openFile Error opening file " + file + " for writing: Resource temporarily unavailable");
+    finalize(*first, start(1, 1));
     const auto write = [this](std::unique_ptr<PmReportWriter> writer) {
         return std::to_string(writer->writeGpData(*gps[0]) || writer->finalizeReport());
     };
