@@ -27,6 +27,6 @@ install_packages() {
 build() {
     local folder=$1
     shift
-    cmake -S . -B "$folder" -G Ninja "$@" >/dev/null
+    cmake -S . -B "$folder" -G Ninja -DCMAKE_COMPILE_WARNING_AS_ERROR=ON "$@" >/dev/null
     cmake --build "$folder"
 }

@@ -46,3 +46,8 @@ struct KelMgmtSpiPortalAccessor {
 /// The entry points that a component's library exports under these plain names.
 typedef KelReturnT (*KelLcmInitT)(KelMgmtSpiPortalAccessor* accessor, const char* configPath);
 typedef void (*KelLcmTerminateT)();
+
+static_assert(sizeof(KelMgmtSpiComponent) == 8 * sizeof(void*));
+static_assert(sizeof(VorMgmtSpiInterfacePortal_1) == 4 * sizeof(void*));
+static_assert(sizeof(KelMgmtSpiInterfacePortal_3) == 7 * sizeof(void*));
+static_assert(sizeof(KelMgmtSpiPortalAccessor) == sizeof(void*));

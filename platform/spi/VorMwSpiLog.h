@@ -24,3 +24,5 @@ struct KelMwSpiTrace {
     KelMgmtSpiInterface_1 identity;
     void (*trace)(const VorMwSpiLogRecord* record);
 };
+
+static_assert(sizeof(VorMwSpiLog_1) == 4 * sizeof(void*) && sizeof(KelMwSpiTrace) == 4 * sizeof(void*));

@@ -34,3 +34,7 @@ struct VorOamSpiEventRouter_1 {
                                      KelNameValuePairT** filter);
     KelReturnT (*unregisterConsumer)(KelOamSpiEventConsumerHandleT handle, KelOamSpiEventConsumer* consumer);
 };
+
+static_assert(sizeof(KelNameValuePair) == 2 * sizeof(void*) &&
+              sizeof(KelOamSpiEventConsumer) == sizeof(void*));
+static_assert(sizeof(VorOamSpiEventRouter_1) == 8 * sizeof(void*));

@@ -65,3 +65,7 @@ struct VorOamSpiManagedObject_1 {
     KelReturnT (*nextMo)(unsigned long long iterator, char** dn);
     KelReturnT (*finalizeMoIterator)(unsigned long long iterator);
 };
+
+static_assert(sizeof(VorMoAttributeValueContainer_3) == 8 + sizeof(void*));
+static_assert(sizeof(VorMoAttributeValueResult_3) == 2 * sizeof(void*));
+static_assert(sizeof(VorOamSpiManagedObject_1) == 8 * sizeof(void*));

@@ -33,3 +33,7 @@ struct VorOamSpiModelRepository_2 {
     const VorOamSpiAttributeQuery_2* attributeQuery;
 };
 typedef VorOamSpiModelRepository_2 VorOamSpiModelRepository;
+
+static_assert(sizeof(VorOamSpiClassQuery_2) == 2 * sizeof(void*));
+static_assert(sizeof(VorOamSpiAttributeQuery_2) == 2 * sizeof(void*));
+static_assert(sizeof(VorOamSpiModelRepository_2) == 5 * sizeof(void*));

@@ -128,3 +128,5 @@ static_assert(sizeof(VorOamSpiPmMeasObj_1) == 12 && sizeof(VorOamSpiPmMeasObj_2)
 static_assert(sizeof(VorOamSpiPmMeasObjClass_1) == 12 && sizeof(VorOamSpiPmMeasObjClass_2) == 12);
 static_assert(sizeof(VorOamSpiPmGpData_1) == 8 && sizeof(VorOamSpiPmGpData_2) == 8);
 #endif
+
+static_assert(sizeof(VorOamSpiPm_1) == 5 * sizeof(void*) && sizeof(VorOamSpiPm_2) == 5 * sizeof(void*));

@@ -16,3 +16,5 @@ struct KelOamSpiTransactionMaster_1 {
     /// Drops what was written and ends the transaction.
     KelReturnT (*abortTransaction)(unsigned long txHandle);
 };
+
+static_assert(sizeof(KelOamSpiTransactionMaster_1) == 6 * sizeof(void*));

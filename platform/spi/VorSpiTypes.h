@@ -17,3 +17,4 @@ struct KelMgmtSpiInterface_1 {
     const char* interfaceName;
     const char* interfaceVersion;
 };
+static_assert(sizeof(KelMgmtSpiInterface_1) == 3 * sizeof(void*), "every table begins with three texts");

@@ -65,7 +65,8 @@ struct KernelFolders {
 };
 
 /// A class of objects that the kernel counts for: its name, its types and the reader of its samples.
-/// The reader returns no objects when there is nothing to read, and never throws for what it reads.
+/// The reader returns no objects, or objects without values, when there is nothing to read, and never throws
+/// for what it reads.
 struct KernelClass {
     std::string_view name;
     std::span<const ValueType> types;
