@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Golden.h"
 #include "MoAccessor.h"
 #include "ReportCheck.h"
 #include "TestNode.h"
@@ -59,48 +60,19 @@ TEST_F(NodeCapabilities, SwitchOnGroupsCompressionAndUtc) {
 }
 
 TEST_F(NodeCapabilities, StayOffWhereTheModelLacksThem) {
-    struct Row {
-        const char* attribute;
-        const char* line;
-        bool starts;
-    };
-    const Row rows[] = {
-        {"maxNoOfPmFiles", "3 start: Error setting maxNoOfPmFiles attribute. PM will fail to start.", false},
-        {"fileRPSupported",
-         "6 start: The fileRPSupported attribute does not exist. Assuming PM 1.2 functionality.", true},
-        {"jobGroupingSupport",
-         "6 start: The PmCapabilities::jobGroupingSupport attribute does not exist. JobGrouping will be "
-         "disabled",
-         true},
-        {"supportedRopPeriods",
-         "6 start: The PmCapabilities::supportedRopPeriods attribute does not exist. Supported ROP Periods "
-         "will "
-         "not be visible over the NBI",
-         true},
-        {"supportedCompressionTypes",
-         "6 start: The attribute 'supportedCompressionTypes' does not exist. PM ROP file compression will be "
-         "disabled.",
-         true},
-        {"producesUtcRopFiles",
-         "6 start: The attribute 'producesUtcRopFiles' does not exist. PM ROP files will be generated in "
-         "LocalTime format only.",
-         true},
-        {"fileLocation", "4 start: initializeReportPathForNBI failed to set either fileGroup or fileLocation",
-         true},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : VorTest::goldenTable("absent-capabilities.txt")) {
         const WallClock clock(at("2026-03-05T10:00:59+01:00"));
         TestNode node;
-        const std::regex definition("<Attribute name=\"" + std::string(row.attribute) + "\" type=[^>]*>");
+        const std::regex definition("<Attribute name=\"" + row[0] + "\" type=[^>]*>");
         writeFile(node.modelFile(), std::regex_replace(readFile(node.modelFile()), definition, ""));
-        if (row.starts) {
+        if (row[2] == "starts") {
             node.start(counters);
             EXPECT_TRUE(node.gps.waitForReleases(2));
         } else {
             EXPECT_THROW(node.start(counters), std::runtime_error);
         }
         node.stop();
-        EXPECT_NE(node.log().find(row.line), std::string::npos) << row.line;
+        EXPECT_NE(node.log().find(row[1]), std::string::npos) << row[1];
     }
 }
 

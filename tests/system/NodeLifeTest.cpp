@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Golden.h"
 #include "ReportCheck.h"
 #include "TestNode.h"
 #include "counters/KernelCounters.h"
@@ -50,7 +51,7 @@ TEST_F(NodeLife, WritesTheKnownReportByteForByte) {
     // The element's software version is always number, blank, revision.
     EXPECT_EQ(
         std::regex_replace(readReport(node.root().reportFolder() / name), std::regex("CXP1 R1A"), "R1A"),
-        VorTest::readFile(std::filesystem::path(VOR_TEST_GOLDEN) / "report-local.xml"));
+        VorTest::golden("report-local.xml"));
 }
 
 TEST_F(NodeLife, EachPhaseMakesItsOwnReports) {

@@ -108,14 +108,4 @@ TEST(NodeProgram, EndsWellWhenItIsToldTo) {
     }
 }
 
-TEST(NodeProgram, TellsHowItIsUsed) {
-    Program program({"run", "--help"});
-    const std::string help = program.restOfOutput();
-    EXPECT_EQ(program.exitStatus(), 0);
-    for (const char* option : {"--config", "--model", "--counters", "--root", "--library", "--reports",
-                               "--log-level", "--proc", "--sys"}) {
-        EXPECT_NE(help.find(option), std::string::npos) << option;
-    }
-}
-
 }  // namespace

@@ -9,6 +9,7 @@
 #include <Poco/Event.h>
 #include <gtest/gtest.h>
 
+#include "Golden.h"
 #include "counters/RecordedCounters.h"
 
 namespace VorTest {
@@ -51,7 +52,7 @@ TestNode::TestNode(const std::string& nodeSettings) {
 }
 
 void TestNode::runJobs(const std::map<std::string, int>& periodByJob) const {
-    std::string model = readFile(std::filesystem::path(VOR_TEST_GOLDEN) / "system-model.xml");
+    std::string model = VorTest::golden("system-model.xml");
     for (const auto& [id, period] : periodByJob) {
         model.insert(model.find("</Model>"), jobObject(id, period));
     }

@@ -1,6 +1,7 @@
 #include <Poco/TemporaryFile.h>
 #include <gtest/gtest.h>
 
+#include "Golden.h"
 #include "InputError.h"
 #include "TemporaryRoot.h"
 #include "model/MeasurementJob.h"
@@ -46,49 +47,13 @@ void expectRefusal(const std::string& text, const std::string& expected) {
 }  // namespace
 
 TEST(ModelFile, RefusesUnusableFilesNamingLineFaultAndRemedy) {
-    using Cases = std::vector<std::pair<std::string, std::string>>;
-    const Cases inFile{
-        {"", "1: No element found"},
-        {"<Model>\n</Modell>", "2: Tag mismatch"},
-        {"<!DOCTYPE Model [<!ENTITY e SYSTEM '/dev/null'>]>\n<Model>&e;</Model>", "2: external entity"},
-        {"\n<Modell/>", "2: write <Model>"},
-        {"<Model xmlns='urn:x'/>", "1: unknown XML attribute 'xmlns'; remove it"},
-        {"<Model>x</Model>", "1: holds the text \"x\""},
-    };
-    const Cases inModel{
-        {"<Klass/>", "2: unknown element <Klass> within <Model>; remove it or write one of: Class, Object"},
-        {"<Class/>", "2: has no 'path'; write it as in <Class path="},
-        {"<Class path='A,,B'/>", "2: \"A,,B\" is no path of a class"},
-        {"\n<Class path='A'/>", "3: class A is given twice"},
-        {"<Class path='B'>\n<Attribute name='x' type='int'/></Class>", "3: write one of: string, bool, uint"},
-        {"<Class path='B'><Attribute name='x' type='bool' seq='1'/></Class>", "2: write true or false"},
-        {"<Class path='B'><Attribute name='1x' type='bool'/></Class>", "2: \"1x\" is no name"},
-        {"<Object dn='B=1'/>", "2: write a <Class path=\"B\">"},
-        {"<Object dn='A=1'/>\n<Object dn='A=1'/>", "3: object A=1 is given twice"},
-    };
-    const Cases inObject{
-        {"<Attribute name='x'>1</Attribute>", "2: no attribute \"x\"; add it there or write one of: s, b"},
-        {"<Attribute name='s'/>\n<Attribute name='s'/>", "3: \"s\" is given twice"},
-        {"<Attribute name='s' type='string'/>", "2: unknown XML attribute 'type'"},
-        {"<Attribute name='b'>yes</Attribute>", "2: write true or false"},
-        {"<Attribute name='u'>65536</Attribute>", "2: from 0 to 65535"},
-        {"<Attribute name='u'>-1</Attribute>", "2: from 0 to 65535"},
-        {"<Attribute name='e'>32768</Attribute>", "2: from -32768 to 32767"},
-        {"<Attribute name='e'>1 2</Attribute>", "2: \"1 2\" is no enum value for \"e\""},
-        {"<Attribute name='r'>A</Attribute>", "2: write a dn such as"},
-        {"<Attribute name='s'><Value>a</Value><Value/></Attribute>", "2: one value only"},
-        {"<Attribute name='s'><Member name='m'>a</Member></Attribute>", "2: unknown element <Member>"},
-        {"<Attribute name='ss'>a</Attribute>", "2: into a <Value> of its own"},
-        {"<Attribute name='e'>\n<Value/></Attribute>", "3: \"\" is no enum value"},
-        {"<Attribute name='t'>a</Attribute>", "2: holds the text \"a\""},
-        {"<Attribute name='t'><Member name='m'/>\n<Member name='m'/></Attribute>", "3: given twice"},
-    };
-    for (const auto& [text, expected] : inFile)
-        expectRefusal(text, expected);
-    for (const auto& [text, expected] : inModel)
-        expectRefusal("<Model>" + classes + "\n" + text + "</Model>", expected);
-    for (const auto& [text, expected] : inObject)
-        expectRefusal("<Model>" + classes + "<Object dn='A=1'>\n" + text + "</Object></Model>", expected);
+    const std::map<std::string, std::string> before{{"file", ""},
+                                                    {"model", "<Model>" + classes + "\n"},
+                                                    {"object", "<Model>" + classes + "<Object dn='A=1'>\n"}};
+    const std::map<std::string, std::string> after{
+        {"file", ""}, {"model", "</Model>"}, {"object", "</Object></Model>"}};
+    for (const auto& row : VorTest::goldenTable("model-faults.txt"))
+        expectRefusal(before.at(row[0]) + VorTest::withLineFeeds(row[1]) + after.at(row[0]), row[2]);
     for (const char* dn : {"", "A", "A=", "=1", "A=1,", "A=1,,B=1", "A=1, B=1", "A=\"1", "A=&#127;", "A=1=1"})
         expectRefusal("<Model><Object dn='" + std::string(dn) + "'/></Model>", "1: is no dn; write a dn");
     for (const char* unreadable : {"/dev/null/none", "/"})

@@ -35,7 +35,7 @@ KelReturnT handBack(const char* what, std::uint64_t gpId) {
 }
 
 std::unique_ptr<VorNode::Model> loadModel(const TemporaryRoot& root, const Texts& without) {
-    std::string text = readFile(VOR_MODEL_FILE);
+    std::string text = golden("engine-model.xml");
     for (const std::string& dn : without) {
         const std::size_t begin = std::min(text.find("<Object dn=\"" + dn + "\""), text.size());
         text.erase(begin, text.find("<Object", begin + 1) - begin);

@@ -12,6 +12,7 @@
 #include <Poco/Event.h>
 #include <Poco/Thread.h>
 
+#include "Golden.h"
 #include "LogCapture.h"
 #include "PmConfigHandler.h"
 #include "PmDataCollector.h"
@@ -25,8 +26,6 @@
 #include "services/ModelRepositoryService.h"
 
 namespace VorTest {
-
-using Texts = std::vector<std::string>;
 
 /// 2026-03-05T13:15:00Z in s since the Unix epoch.
 inline constexpr std::int64_t minute = 1'772'716'500;

@@ -15,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
+#include "Golden.h"
 #include "LogCapture.h"
 #include "PmGpData.h"
 #include "ReportCheck.h"
@@ -26,24 +27,6 @@ using namespace VorPm;
 using testing::ElementsAre;
 using testing::StartsWith;
 namespace fs = std::filesystem;
-
-using Texts = std::vector<std::string>;
-
-inline std::string golden(const std::string& name) {
-    return readFile(std::string(VOR_GOLDEN_FOLDER) + "/" + name);
-}
-
-/// The rows of a golden table: cells between "|", without lines that begin with "#".
-inline std::vector<Texts> goldenTable(const std::string& name) {
-    std::vector<Texts> rows;
-    for (const std::string& line : Poco::StringTokenizer(golden(name), "\n")) {
-        const Poco::StringTokenizer cells(line, "|");
-        if (cells.count() > 1 && !line.starts_with('#')) {
-            rows.emplace_back(cells.begin(), cells.end());
-        }
-    }
-    return rows;
-}
 
 /// Lets no file grow beyond so many bytes from here on.
 inline void limitFileSize(rlim_t bytes = RLIM_INFINITY) {
