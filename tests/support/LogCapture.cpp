@@ -1,15 +1,12 @@
 #include "LogCapture.h"
 
 #include <algorithm>
-#include <chrono>
 
 #include "LoggingWrapper.h"
 
 namespace VorTest {
 
 namespace {
-
-constexpr std::chrono::seconds deadline{60};
 
 LogCapture* current = nullptr;
 
@@ -35,7 +32,6 @@ void LogCapture::write(const VorMwSpiLogRecord* record) {
     }
     std::lock_guard lock(current->_mutex);
     current->_lines.push_back(line);
-    current->_written.notify_all();
 }
 
 std::vector<LogLine> LogCapture::lines() const {
@@ -59,15 +55,6 @@ int LogCapture::count(int level, const std::string& textFragment) const {
 void LogCapture::clear() {
     std::lock_guard lock(_mutex);
     _lines.clear();
-}
-
-bool LogCapture::waitFor(const std::string& textFragment, int times) const {
-    std::unique_lock lock(_mutex);
-    return _written.wait_for(lock, deadline, [&] {
-        return std::count_if(_lines.begin(), _lines.end(), [&](const LogLine& line) {
-                   return line.text.find(textFragment) != std::string::npos;
-               }) >= times;
-    });
 }
 
 }  // namespace VorTest

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -38,15 +37,10 @@ class LogCapture {
     int count(int level, const std::string& textFragment) const;
     void clear();
 
-    /// True as soon as so many lines hold the fragment; false when that takes longer than a generous
-    /// deadline.
-    bool waitFor(const std::string& textFragment, int times = 1) const;
-
   private:
     static void write(const VorMwSpiLogRecord* record);
 
     mutable std::mutex _mutex;
-    mutable std::condition_variable _written;
     std::vector<LogLine> _lines;
 };
 

@@ -1,5 +1,4 @@
 // What the component announces at start, and what that switches on.
-#include <cstdlib>
 #include <regex>
 #include <stdexcept>
 #include <string>
@@ -16,7 +15,6 @@ namespace {
 
 using VorTest::at;
 using VorTest::readFile;
-using VorTest::TemporaryRoot;
 using VorTest::TestNode;
 using VorTest::WallClock;
 using VorTest::writeFile;
@@ -25,12 +23,7 @@ constexpr char capabilitiesDn[] = "ManagedElement=1,SystemFunctions=1,Pm=1,PmMea
 constexpr char counters[] =
     R"({"jobs": {"J1": {"classes": [{"name": "C1", "objects": [{"ldn": "Cell=1", "values": [{"type": "a", "int": 5}]}]}]}}})";
 
-class NodeCapabilities : public testing::Test {
-  protected:
-    void SetUp() override { ::setenv("TZ", "CET-1", 1); }
-};
-
-TEST_F(NodeCapabilities, SwitchOnGroupsCompressionAndUtc) {
+TEST(NodeCapabilities, SwitchOnGroupsCompressionAndUtc) {
     const WallClock clock(at("2026-03-05T10:00:59+01:00"));
     TestNode node;
     writeFile(node.configurationFile(),
@@ -53,13 +46,13 @@ TEST_F(NodeCapabilities, SwitchOnGroupsCompressionAndUtc) {
     }
     node.stop();
     const std::string name = "A20260305.0900-0901_ME1_G1.xml.gz";
-    ASSERT_EQ(TemporaryRoot::filesIn(node.root().reportFolder()), std::vector{name});
+    ASSERT_EQ(node.reports(), std::vector{name});
     const std::string report = VorTest::readReport(node.root().reportFolder() / name);
     EXPECT_EQ(VorTest::faultIn(report), "");
     EXPECT_NE(report.find("endTime=\"2026-03-05T09:01:00\"/>"), std::string::npos);
 }
 
-TEST_F(NodeCapabilities, StayOffWhereTheModelLacksThem) {
+TEST(NodeCapabilities, StayOffWhereTheModelLacksThem) {
     for (const auto& row : VorTest::goldenTable("absent-capabilities.txt")) {
         const WallClock clock(at("2026-03-05T10:00:59+01:00"));
         TestNode node;

@@ -30,16 +30,7 @@ std::string countersOf(const std::string& job) {
     return std::regex_replace(exampleCounters, std::regex("%s"), job);
 }
 
-class NodeLife : public testing::Test {
-  protected:
-    void SetUp() override { ::setenv("TZ", "CET-1", 1); }
-
-    std::vector<std::string> reports(const TestNode& node) const {
-        return TemporaryRoot::filesIn(node.root().reportFolder());
-    }
-};
-
-TEST_F(NodeLife, WritesTheKnownReportByteForByte) {
+TEST(NodeLife, WritesTheKnownReportByteForByte) {
     const WallClock clock(at("2017-03-05T14:14:59+01:00"));
     TestNode node;
     node.runJobs({{"J1", 5}});
@@ -47,14 +38,14 @@ TEST_F(NodeLife, WritesTheKnownReportByteForByte) {
     ASSERT_TRUE(node.gps.waitForReleases(1));
     node.stop();
     const std::string name = "A20170305.1400+0100-1415+0100_ME1.xml";
-    ASSERT_EQ(reports(node), std::vector{name});
+    ASSERT_EQ(node.reports(), std::vector{name});
     // The element's software version is always number, blank, revision.
     EXPECT_EQ(
         std::regex_replace(readReport(node.root().reportFolder() / name), std::regex("CXP1 R1A"), "R1A"),
         VorTest::golden("report-local.xml"));
 }
 
-TEST_F(NodeLife, EachPhaseMakesItsOwnReports) {
+TEST(NodeLife, EachPhaseMakesItsOwnReports) {
     const WallClock clock(at("2026-03-05T10:00:59+01:00"));
     TestNode node;
     node.start(countersOf("J1"));
@@ -63,32 +54,32 @@ TEST_F(NodeLife, EachPhaseMakesItsOwnReports) {
     WallClock::set(at("2026-03-05T10:01:59+01:00"));
     ASSERT_TRUE(node.waitForReports(2));
     node.stop();
-    EXPECT_EQ(reports(node), (std::vector<std::string>{"A20260305.1000+0100-1001+0100_ME1.xml",
-                                                       "A20260305.1001+0100-1002+0100_ME1.xml"}));
+    EXPECT_EQ(node.reports(), (std::vector<std::string>{"A20260305.1000+0100-1001+0100_ME1.xml",
+                                                        "A20260305.1001+0100-1002+0100_ME1.xml"}));
     EXPECT_EQ(VorTest::checkReports(node.root().reportFolder()), 2);
     // Both jobs of the minute are in one report: their period and group are the same.
-    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    const std::string report = readReport(node.root().reportFolder() / node.reports().front());
     EXPECT_NE(report.find("<job jobId=\"J1\"/>"), std::string::npos);
     EXPECT_TRUE(TemporaryRoot::filesIn(node.root().temporaryFolder()).empty());
 }
 
-TEST_F(NodeLife, VersionOneLeavesOutWhatItCannotCarry) {
+TEST(NodeLife, VersionOneLeavesOutWhatItCannotCarry) {
     const WallClock clock(at("2026-03-05T10:00:59+01:00"));
     TestNode node("<pmServiceVersions>1</pmServiceVersions>");
     node.start(countersOf("J1"));
     ASSERT_TRUE(node.gps.waitForReleases(2));
     node.stop();
     ASSERT_EQ(VorTest::checkReports(node.root().reportFolder()), 1);
-    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    const std::string report = readReport(node.root().reportFolder() / node.reports().front());
     EXPECT_NE(report.find("<r p=\"2\">1.5</r>"), std::string::npos);
     EXPECT_EQ(report.find("1,2,3"), std::string::npos);
     EXPECT_EQ(report.find("NIL"), std::string::npos);
 }
 
-TEST_F(NodeLife, MeasuresThePreparedKernel) {
-    ::setenv("TZ", "Asia/Kolkata", 1);
+TEST(NodeLife, MeasuresThePreparedKernel) {
     const WallClock clock(at("2026-03-05T10:00:30+05:30"));
     TestNode node;
+    ::setenv("TZ", "Asia/Kolkata", 1);
     const std::filesystem::path proc = node.root().path() / "proc";
     std::filesystem::create_directories(proc);
     VorTest::writeFile(proc / "meminfo", "MemTotal: 1000 kB\nMemFree: 400 kB\nMemAvailable: 500 kB\n");
@@ -99,8 +90,8 @@ TEST_F(NodeLife, MeasuresThePreparedKernel) {
     // The clock was set while the period ran, so its values are suspect, like those of a period begun late.
     ASSERT_TRUE(node.gps.waitForReleases(2));
     node.stop();
-    ASSERT_EQ(reports(node), std::vector<std::string>{"A20260305.1000+0530-1001+0530_ME1.xml"});
-    const std::string report = readReport(node.root().reportFolder() / reports(node).front());
+    ASSERT_EQ(node.reports(), std::vector<std::string>{"A20260305.1000+0530-1001+0530_ME1.xml"});
+    const std::string report = readReport(node.root().reportFolder() / node.reports().front());
     EXPECT_EQ(VorTest::faultIn(report), "");
     EXPECT_NE(report.find("endTime=\"2026-03-05T10:01:00+05:30\""), std::string::npos);
     for (const char* value : {">1000</r>", ">0.5</r>", ">129</r>", ">NIL</r>", "<suspect>true</suspect>"}) {
@@ -109,7 +100,7 @@ TEST_F(NodeLife, MeasuresThePreparedKernel) {
 }
 
 // A second node in the process loads the library anew and finds its storage anew.
-TEST_F(NodeLife, NodesFollowEachOther) {
+TEST(NodeLife, NodesFollowEachOther) {
     for (int round = 0; round < 2; ++round) {
         const WallClock clock(at("2026-03-05T10:00:59+01:00"));
         TestNode node;

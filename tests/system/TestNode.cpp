@@ -1,11 +1,10 @@
 #include "TestNode.h"
 
 #include <chrono>
+#include <cstdlib>
 
 #include <Poco/DateTimeFormat.h>
 #include <Poco/DateTimeParser.h>
-#include <Poco/Delegate.h>
-#include <Poco/DirectoryWatcher.h>
 #include <Poco/Event.h>
 #include <gtest/gtest.h>
 
@@ -45,6 +44,7 @@ void GpWatch::gpReleased(const VorNode::GpInfo& /*gp*/) {
 }
 
 TestNode::TestNode(const std::string& nodeSettings) {
+    ::setenv("TZ", "CET-1", 1);
     writeFile(configurationFile(),
               "<C><VorPmComp><pmTimerExpirationTime>1</pmTimerExpirationTime></VorPmComp><VorNode>" +
                   nodeSettings + "</VorNode></C>");
@@ -95,7 +95,7 @@ void TestNode::stop() {
 bool TestNode::waitForReports(std::size_t count) const {
     Poco::Event never;
     const auto giveUp = std::chrono::steady_clock::now() + deadline;
-    while (TemporaryRoot::filesIn(_root.reportFolder()).size() < count) {
+    while (reports().size() < count) {
         if (std::chrono::steady_clock::now() > giveUp) {
             return false;
         }

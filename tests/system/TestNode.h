@@ -7,6 +7,7 @@
 #include <mutex>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "TemporaryRoot.h"
 #include "WallClock.h"
@@ -31,8 +32,8 @@ class GpWatch : public VorNode::PmServiceListener {
 };
 
 /// A whole node in this process: the real library and services on a temporary root. Its jobs are J1, which
-/// measures memory, and J2, which measures the load, each minute. The files are written when the object is
-/// made and may be replaced until `start`.
+/// measures memory, and J2, which measures the load, each minute; its zone is one hour east of UTC. The files
+/// are written when the object is made and may be replaced until `start`.
 class TestNode {
   public:
     /// Collection phases end in the first second of the minute; `nodeSettings` go into the node's own
@@ -54,6 +55,9 @@ class TestNode {
 
     /// Waits until the report folder holds so many reports.
     bool waitForReports(std::size_t count) const;
+
+    /// The names in the report folder.
+    std::vector<std::string> reports() const { return TemporaryRoot::filesIn(_root.reportFolder()); }
 
     /// The log so far; only after `stop`.
     std::string log() const { return _log.str(); }

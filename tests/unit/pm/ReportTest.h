@@ -10,8 +10,6 @@
 #include <vector>
 
 #include <Poco/AutoPtr.h>
-#include <Poco/String.h>
-#include <Poco/StringTokenizer.h>
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 
