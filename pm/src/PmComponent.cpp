@@ -98,8 +98,7 @@ const VorPmComponent::Capability VorPmComponent::capabilities[] = {
      "Error setting jobGroupingSupport attribute. PM will fail to start."},
     {&VorPmComponent::announceRopPeriods,
      "The PmCapabilities::supportedRopPeriods attribute does not exist. Supported ROP Periods will not be "
-     "visible over "
-     "the NBI",
+     "visible over the NBI",
      "Error setting supportedRopPeriods attribute. PM will fail to start."},
     {&VorPmComponent::announceCompressionTypes,
      "The attribute 'supportedCompressionTypes' does not exist. PM ROP file compression will be disabled.",

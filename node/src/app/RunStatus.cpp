@@ -61,17 +61,21 @@ void RunStatus::tick(const Node& node) {
 }
 
 void RunStatus::reportPublished(const std::filesystem::path& path) {
+    // Read before the lock is taken: a large report must not hold up those who announce and fetch.
+    ReportFacts facts;
+    std::string holds = ", and gone again";
+    try {
+        facts = readReportFacts(path);
+        holds = ": " + std::to_string(facts.bytes) + " bytes, " + countText(facts.blocks, "block") + ", " +
+                countText(facts.values, "value");
+    } catch (const std::exception&) {
+        // A client may take a report away as soon as it is there.
+    }
     std::lock_guard lock(_mutex);
     ++_phase.reports;
+    _phase.values += facts.values;
     _phase.lastReport.update();
-    try {
-        const ReportFacts facts = readReportFacts(path);
-        _phase.values += facts.values;
-        _console.say("published " + path.string() + ": " + std::to_string(facts.bytes) + " bytes, " +
-                     countText(facts.blocks, "block") + ", " + countText(facts.values, "value"));
-    } catch (const std::exception&) {
-        _console.say("published " + path.string() + ", and gone again");
-    }
+    _console.say("published " + path.string() + holds);
 }
 
 std::size_t RunStatus::phasesPublished() const {
