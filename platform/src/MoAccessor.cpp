@@ -2,24 +2,14 @@
 
 #include <map>
 
-#include "Portal.h"
+#include "RequiredInterface.h"
 
 namespace Vor {
 
 namespace {
 
-template <class InterfaceT>
-const InterfaceT& required(const KelMgmtSpiInterface_1& identifier) {
-    const InterfaceT* interface = Portal::instance().getInterface<InterfaceT>(identifier);
-    if (interface == nullptr) {
-        throw VorException(VorReturnAbsent, "Interface %s not found", identifier.interfaceName);
-    }
-    return *interface;
-}
-
 const KelMgmtSpiInterface_1 transactionMasterId{"KelOamSpiTransactionService", "KelOamSpiTransactionMaster",
                                                 "1"};
-const KelMgmtSpiInterface_1 managedObjectId{"VorOamSpiExtCmRouterService", "VorOamSpiManagedObject", "1"};
 
 std::string textOf(const VorMoAttributeValue_3& value) {
     return value.text != nullptr ? value.text : "";
@@ -63,7 +53,7 @@ class InstanceIterator {
 
 MoAccessor::MoAccessor(VorLockPolicyT lockPolicy, int timeout)
     : Transaction(required<KelOamSpiTransactionMaster_1>(transactionMasterId), lockPolicy, timeout),
-      _managedObjects(required<VorOamSpiManagedObject_1>(managedObjectId)) {}
+      _managedObjects(requiredManagedObjects()) {}
 
 MoAccessor::~MoAccessor() = default;
 

@@ -1,7 +1,9 @@
 #include "services/AttributeContainer.h"
 
+#include <algorithm>
 #include <array>
 #include <deque>
+#include <memory>
 #include <utility>
 
 #include "services/Operation.h"
@@ -72,10 +74,10 @@ AttributeValue copyValue(AttributeType type, const VorMoAttributeValue_3& value)
 /// A container together with all that it points to.
 class OwnedContainer : public VorMoAttributeValueContainer_3 {
   public:
-    OwnedContainer(AttributeType valueType, AttributeValues ownValues)
-        : VorMoAttributeValueContainer_3{spiTypeOf(valueType), static_cast<std::uint32_t>(ownValues.size()),
-                                         nullptr},
-          _values(std::move(ownValues)) {
+    explicit OwnedContainer(TypedValues attribute)
+        : VorMoAttributeValueContainer_3{spiTypeOf(attribute.type),
+                                         static_cast<std::uint32_t>(attribute.values.size()), nullptr},
+          _values(std::move(attribute.values)) {
         for (const AttributeValue& value : _values) {
             _slots.push_back(std::visit([this](const auto& held) { return this->slotOf(held); }, value));
         }
@@ -118,6 +120,14 @@ void release(VorMoAttributeValueContainer_3* container) {
     delete static_cast<OwnedContainer*>(container);
 }
 
+/// The array ends with null.
+void releaseAll(VorMoAttributeValueContainer_3** containers) {
+    for (auto* container = containers; *container != nullptr; ++container) {
+        release(*container);
+    }
+    delete[] containers;
+}
+
 }  // namespace
 
 AttributeValues copyValues(const AttributeDefinition& attribute,
@@ -136,8 +146,16 @@ AttributeValues copyValues(const AttributeDefinition& attribute,
     return values;
 }
 
-VorMoAttributeValueResult_3 handOut(AttributeType type, AttributeValues values) {
-    return {&release, values.empty() ? nullptr : new OwnedContainer(type, std::move(values))};
+VorMoAttributeValueResult_3 handOut(TypedValues attribute) {
+    return {&release, attribute.values.empty() ? nullptr : new OwnedContainer(std::move(attribute))};
+}
+
+VorMoAttributeValuesResult_3 handOut(std::vector<TypedValues> attributes) {
+    std::unique_ptr<VorMoAttributeValueContainer_3*[], decltype(&releaseAll)> containers(
+        new VorMoAttributeValueContainer_3* [attributes.size() + 1] {}, &releaseAll);
+    std::transform(attributes.begin(), attributes.end(), containers.get(),
+                   [](TypedValues& attribute) { return new OwnedContainer(std::move(attribute)); });
+    return {&releaseAll, containers.release()};
 }
 
 }  // namespace VorNode

@@ -1,9 +1,10 @@
 #include "services/ManagedObjectService.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
-#include "services/AttributeContainer.h"
+#include "model/Dn.h"
 #include "services/Operation.h"
 
 namespace VorNode {
@@ -13,10 +14,17 @@ ManagedObjectService::ManagedObjectService(const Model& model, TransactionServic
       _transactions(transactions),
       _table{{"VorOamSpiExtCmRouterService", "VorOamSpiManagedObject", "1"},
              &setMoAttribute,
+             &setMoAttributes,
              &getMoAttribute,
+             &getMoAttributes,
              &newMoIterator,
              &nextMo,
-             &finalizeMoIterator} {}
+             &finalizeMoIterator,
+             &createMo,
+             &deleteMo,
+             &action,
+             &existsMo,
+             &countMoChildren} {}
 
 KelReturnT ManagedObjectService::setMoAttribute(unsigned long txHandle, const char* dn,
                                                 const char* attributeName,
@@ -25,8 +33,24 @@ KelReturnT ManagedObjectService::setMoAttribute(unsigned long txHandle, const ch
         requirePointers(dn, attributeName, container);
         ManagedObjectService& service = current();
         service._transactions.requireOpen(txHandle);
-        AttributeValues values = copyValues(service.requireAttribute(dn, attributeName), *container);
-        service._transactions.write(txHandle, {dn, attributeName, std::move(values)});
+        service._transactions.write(txHandle, service.copyWrite(dn, attributeName, *container));
+    });
+}
+
+KelReturnT ManagedObjectService::setMoAttributes(unsigned long txHandle, const char* dn,
+                                                 KelMoNamedAttributeValueContainer_3** attributes) {
+    return carryOut([&] {
+        requirePointers(dn, attributes);
+        ManagedObjectService& service = current();
+        service._transactions.requireOpen(txHandle);
+        std::vector<AttributeWrite> writes;
+        for (auto* attribute = attributes; *attribute != nullptr; ++attribute) {
+            requirePointers((*attribute)->name, (*attribute)->container);
+            writes.push_back(service.copyWrite(dn, (*attribute)->name, *(*attribute)->container));
+        }
+        for (AttributeWrite& write : writes) {
+            service._transactions.write(txHandle, std::move(write));
+        }
     });
 }
 
@@ -36,13 +60,22 @@ KelReturnT ManagedObjectService::getMoAttribute(unsigned long txHandle, const ch
     return carryOut([&] {
         requirePointers(dn, attributeName, result);
         *result = {};
+        *result = handOut(current().read(txHandle, dn, attributeName));
+    });
+}
+
+KelReturnT ManagedObjectService::getMoAttributes(unsigned long txHandle, const char* dn,
+                                                 const char** attributeNames,
+                                                 VorMoAttributeValuesResult_3* result) {
+    return carryOut([&] {
+        requirePointers(dn, attributeNames, result);
+        *result = {};
         ManagedObjectService& service = current();
-        std::optional<AttributeValues> values = service._transactions.written(txHandle, dn, attributeName);
-        const AttributeDefinition& attribute = service.requireAttribute(dn, attributeName);
-        if (!values) {
-            values = service._model.read(dn, attributeName);
+        std::vector<TypedValues> attributes;
+        for (const char** name = attributeNames; *name != nullptr; ++name) {
+            attributes.push_back(service.read(txHandle, dn, *name));
         }
-        *result = handOut(attribute.type, std::move(*values));
+        *result = handOut(std::move(attributes));
     });
 }
 
@@ -86,6 +119,55 @@ KelReturnT ManagedObjectService::finalizeMoIterator(unsigned long long iterator)
             throw Refusal{VorReturnFailed};
         }
     });
+}
+
+KelReturnT ManagedObjectService::createMo(unsigned long /*txHandle*/, const char* /*parentDn*/,
+                                          const char* /*className*/, const char* /*keyAttributeName*/,
+                                          const char* /*keyAttributeValue*/,
+                                          VorMoNamedAttributeValueContainer_3** /*attributes*/) {
+    return VorReturnFailed;
+}
+
+KelReturnT ManagedObjectService::deleteMo(unsigned long /*txHandle*/, const char* /*dn*/) {
+    return VorReturnFailed;
+}
+
+KelReturnT ManagedObjectService::action(unsigned long /*txHandle*/, const char* /*dn*/,
+                                        const char* /*actionName*/,
+                                        VorMoNamedAttributeValueContainer_3** /*parameters*/,
+                                        VorMoAttributeValueResult_3* /*result*/) {
+    return VorReturnFailed;
+}
+
+KelReturnT ManagedObjectService::existsMo(unsigned long txHandle, const char* dn, bool* exists) {
+    return carryOut([&] {
+        requirePointers(dn, exists);
+        ManagedObjectService& service = current();
+        service._transactions.requireOpen(txHandle);
+        *exists = !service._model.objectsOf(classPathOf(dn), dn).empty();
+    });
+}
+
+KelReturnT ManagedObjectService::countMoChildren(unsigned long txHandle, const char* dn,
+                                                 const char* classPath, unsigned long long* count) {
+    return carryOut([&] {
+        requirePointers(dn, classPath, count);
+        ManagedObjectService& service = current();
+        service._transactions.requireOpen(txHandle);
+        const std::vector<std::string> objects = service._model.objectsOf(classPath, dn);
+        *count = objects.size() - static_cast<std::size_t>(std::count(objects.begin(), objects.end(), dn));
+    });
+}
+
+AttributeWrite ManagedObjectService::copyWrite(const std::string& dn, const std::string& attribute,
+                                               const VorMoAttributeValueContainer_3& container) const {
+    return {dn, attribute, copyValues(requireAttribute(dn, attribute), container)};
+}
+
+TypedValues ManagedObjectService::read(unsigned long txHandle, const char* dn, const char* attributeName) {
+    std::optional<AttributeValues> values = _transactions.written(txHandle, dn, attributeName);
+    const AttributeDefinition& attribute = requireAttribute(dn, attributeName);
+    return {attribute.type, values ? std::move(*values) : _model.read(dn, attributeName)};
 }
 
 const AttributeDefinition& ManagedObjectService::requireAttribute(const std::string& dn,

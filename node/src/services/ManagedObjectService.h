@@ -7,6 +7,7 @@
 
 #include "VorOamSpiManagedObject.h"
 #include "model/Model.h"
+#include "services/AttributeContainer.h"
 #include "services/Service.h"
 #include "services/TransactionService.h"
 
@@ -15,12 +16,14 @@ namespace VorNode {
 /// The raw managed-object interface to the model, within transactions. Owned by the application, after the
 /// model and the transaction service. Any thread; one transaction or iterator is used by one thread at a
 /// time. The operations return -2 for an unknown transaction, object or attribute and at an iterator's end;
-/// -1 for null pointers, an unknown iterator, and values that the attribute does not accept.
+/// -1 for null pointers, an unknown iterator, and values that the attribute does not accept. The objects are
+/// fixed and have no actions: these operations return -1.
 class ManagedObjectService : public Service<ManagedObjectService> {
   public:
     ManagedObjectService(const Model& model, TransactionService& transactions);
 
     KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    const VorOamSpiManagedObject_1& table() const { return _table; }
 
   private:
     /// The objects as they were when the iteration began.
@@ -31,16 +34,33 @@ class ManagedObjectService : public Service<ManagedObjectService> {
 
     static KelReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
                                      const VorMoAttributeValueContainer_3* container);
+    static KelReturnT setMoAttributes(unsigned long txHandle, const char* dn,
+                                      KelMoNamedAttributeValueContainer_3** attributes);
     /// A transaction sees what it wrote itself.
     static KelReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
                                      VorMoAttributeValueResult_3* result);
+    static KelReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attributeNames,
+                                      VorMoAttributeValuesResult_3* result);
     static KelReturnT newMoIterator(unsigned long txHandle, const char* baseDn, const char* classPath,
                                     unsigned long long* iterator);
     static KelReturnT nextMo(unsigned long long iterator, char** dn);
     static KelReturnT finalizeMoIterator(unsigned long long iterator);
+    static KelReturnT createMo(unsigned long txHandle, const char* parentDn, const char* className,
+                               const char* keyAttributeName, const char* keyAttributeValue,
+                               VorMoNamedAttributeValueContainer_3** attributes);
+    static KelReturnT deleteMo(unsigned long txHandle, const char* dn);
+    static KelReturnT action(unsigned long txHandle, const char* dn, const char* actionName,
+                             VorMoNamedAttributeValueContainer_3** parameters,
+                             VorMoAttributeValueResult_3* result);
+    static KelReturnT existsMo(unsigned long txHandle, const char* dn, bool* exists);
+    static KelReturnT countMoChildren(unsigned long txHandle, const char* dn, const char* classPath,
+                                      unsigned long long* count);
 
     /// Refuses, with -2, an object or attribute that the model does not have.
     const AttributeDefinition& requireAttribute(const std::string& dn, const std::string& attribute) const;
+    AttributeWrite copyWrite(const std::string& dn, const std::string& attribute,
+                             const VorMoAttributeValueContainer_3& container) const;
+    TypedValues read(unsigned long txHandle, const char* dn, const char* attributeName);
 
     const Model& _model;
     TransactionService& _transactions;

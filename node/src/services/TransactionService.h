@@ -20,6 +20,7 @@ class TransactionService : public Service<TransactionService> {
     explicit TransactionService(Model& model);
 
     KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    const KelOamSpiTransactionMaster_1& table() const { return _table; }
 
     void requireOpen(unsigned long transaction);
 
