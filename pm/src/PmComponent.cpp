@@ -75,6 +75,7 @@ VorPmComponent::VorPmComponent() : KelComponent(componentName, &startCallback, &
 
 VorPmComponent::~VorPmComponent() {
     cleanup();
+    interceptor.deregisterInterceptor();
 }
 
 KelReturnT VorPmComponent::initialize(const char* configPath) {
@@ -116,8 +117,12 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
         if (dataCollector != nullptr) {
             cleanup();
         }
+        interceptor.deregisterInterceptor();
         if (connectDataCollector() == VorReturnAbsent) {
             return VorReturnOk;
+        }
+        if (interceptor.init() != VorReturnOk) {
+            throw StartRefused("Error registering PM MOC to interceptor. PM will fail to start.");
         }
         if (initializeReportPathForNBI() != VorReturnOk) {
             LOG_WARNING("initializeReportPathForNBI failed to set either fileGroup or fileLocation");
@@ -254,6 +259,7 @@ void VorPmComponent::startTaskManager() {
 KelReturnT VorPmComponent::stop(KelStateChangeReason /*reason*/) {
     LOG_TRACE(" >> ");
     const KelReturnT result = cleanup();
+    interceptor.deregisterInterceptor();
     LOG_TRACE(" << Retval: %d", result);
     return result;
 }

@@ -7,6 +7,7 @@
 #include "KelComponent.h"
 #include "PmConfigHandler.h"
 #include "PmDataCollector.h"
+#include "PmInterceptor.h"
 #include "PmTaskManager.h"
 #include "VorMgmtSpiPortal.h"
 
@@ -65,6 +66,7 @@ class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
     bool taskManagerThreadStarted = false;
     std::unique_ptr<PmDataCollector> dataCollector;
     PmConfigHandler configHandler;
+    PmInterceptor interceptor;
 };
 
 }  // namespace VorPm
