@@ -77,7 +77,7 @@ TEST(NodeProgram, RefusesInputThatItCannotUse) {
         {{"run", "--config", folder + "/absent.xml"}, "/absent.xml: "},
         {{"run", "--config", folder + "/two.xml"}, "refused this configuration"},
         {{"run", "--config", folder + "/version.xml"},
-         "/version.xml:3: pmServiceVersions is '3'; write 1, 2 or 1 2"},
+         "/version.xml:3: pmServiceVersions is '3'; write one of '1' '2' '1 2'"},
         {{"run", "--counters", "recorded:" + folder + "/broken.json"}, "/broken.json:2"},
         {{"run", "--library", folder + "/file"}, "--library"},
         {{"run", "--root", folder + "/file"}, "--root"},

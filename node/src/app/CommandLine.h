@@ -16,6 +16,8 @@ struct RunOptions {
     std::filesystem::path sys;
     /// Collection phases that publish something before the run ends; 0 for no end.
     unsigned reports = 0;
+    /// Show what the component announces, and end.
+    bool capabilitiesOnly = false;
 };
 
 /// Parses the arguments. Throws `InputError` when they are not usable, and `CommandLineDone` when there is

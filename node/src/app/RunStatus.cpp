@@ -5,6 +5,7 @@
 
 #include <Poco/NumberFormatter.h>
 
+#include "app/AttributeText.h"
 #include "app/ClockText.h"
 #include "app/Console.h"
 #include "app/ReportFile.h"
@@ -52,6 +53,21 @@ void RunStatus::showStart(const Node& node) {
     }
 }
 
+void RunStatus::showCapabilities(const Node& node) {
+    for (const ObjectReading& object :
+         node.client().readObjectsOf("ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities")) {
+        _console.say("capabilities, as clients read them: " + object.dn);
+        for (const AttributeReading& reading : object.attributes) {
+            if (reading.result == VorReturnOk) {
+                _console.say("  " + reading.attribute + ": " + attributeText(reading.values));
+            } else {
+                complain(reading.attribute + " cannot be read (result " + std::to_string(reading.result) +
+                         ")");
+            }
+        }
+    }
+}
+
 void RunStatus::tick(const Node& node) {
     std::lock_guard lock(_mutex);
     if (_phase.reports > 0 && _phase.lastReport.isElapsed(settleTime)) {
@@ -89,13 +105,18 @@ void RunStatus::complain(const std::string& fault) {
     _console.writeError("vor-node: " + fault);
 }
 
-bool RunStatus::showEnd(const Node& node) {
+bool RunStatus::checkEnd(const Node& node) {
     for (const GpInfo& gp : node.pmService().unreleased()) {
         complain(describe(gp) + ": delivered, but not released");
     }
     if (const auto errors = node.log().errorCount(); errors > 0) {
         complain("the component logged " + countText(errors, "error"));
     }
+    std::lock_guard lock(_mutex);
+    return _faults == 0;
+}
+
+void RunStatus::showEnd(const Node& node) {
     std::lock_guard lock(_mutex);
     if (_phase.open || _phase.reports > 0) {
         endPhase();
@@ -104,7 +125,6 @@ bool RunStatus::showEnd(const Node& node) {
     _console.say("node stopped: " + countText(counts.announced, "GP") + " delivered, " +
                  std::to_string(counts.fetched) + " fetched, " + std::to_string(counts.released) +
                  " released, " + countText(_phasesPublished, "phase") + " published");
-    return _faults == 0;
 }
 
 void RunStatus::gpAnnounced(const GpInfo& gp) {

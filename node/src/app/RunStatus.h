@@ -27,6 +27,10 @@ class RunStatus : public PmServiceListener {
     explicit RunStatus(Console& console) : _console(console) {}
 
     void showStart(const Node& node);
+
+    /// Shows what management clients read of the measurement capabilities.
+    void showCapabilities(const Node& node);
+
     void reportPublished(const std::filesystem::path& path);
 
     /// To be called several times a second.
@@ -38,8 +42,11 @@ class RunStatus : public PmServiceListener {
     /// Something went wrong: tells it on the stream of errors.
     void complain(const std::string& fault);
 
-    /// Sums the run up, once everything is stopped. True when nothing went wrong.
-    bool showEnd(const Node& node);
+    /// Tells what is still wrong once everything is stopped. True when nothing went wrong in the whole run.
+    bool checkEnd(const Node& node);
+
+    /// Sums the run up.
+    void showEnd(const Node& node);
 
     void gpAnnounced(const GpInfo& gp) override;
     void gpWithdrawn(const GpInfo& gp) override;

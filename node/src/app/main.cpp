@@ -72,12 +72,33 @@ void runUntilEnd(const RunOptions& options, Node& node, RunStatus& status,
         status.reportPublished(report);
     });
     status.showStart(node);
+    status.showCapabilities(node);
     do {
         status.tick(node);
     } while ((options.reports == 0 || status.phasesPublished() < options.reports) &&
              !endingSignals.waitOneTick());
     // What the stop publishes is still told of.
     node.stop();
+}
+
+ExitStatus measure(const RunOptions& options, Node& node, RunStatus& status,
+                   const EndingSignals& endingSignals) {
+    node.start();
+    try {
+        runUntilEnd(options, node, status, endingSignals);
+    } catch (const std::exception& fault) {
+        status.complain(describe(fault));
+    }
+    const bool good = status.checkEnd(node);
+    status.showEnd(node);
+    return good ? allPublished : failedRunning;
+}
+
+ExitStatus showCapabilities(Node& node, RunStatus& status) {
+    node.startComponent();
+    status.showCapabilities(node);
+    node.stop();
+    return status.checkEnd(node) ? allPublished : failedRunning;
 }
 
 ExitStatus run(const RunOptions& options) {
@@ -87,13 +108,8 @@ ExitStatus run(const RunOptions& options) {
     RunStatus status(console);
     const std::unique_ptr<MeasurementProducer> producer = makeProducer(options);
     Node node(options.node, *producer, status, console.errorLines());
-    node.start();
-    try {
-        runUntilEnd(options, node, status, endingSignals);
-    } catch (const std::exception& fault) {
-        status.complain(describe(fault));
-    }
-    return status.showEnd(node) ? allPublished : failedRunning;
+    return options.capabilitiesOnly ? showCapabilities(node, status)
+                                    : measure(options, node, status, endingSignals);
 }
 
 }  // namespace

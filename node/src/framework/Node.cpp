@@ -5,7 +5,6 @@
 #include "InputError.h"
 #include "LoggingWrapper.h"
 #include "Portal.h"
-#include "framework/NodeConfiguration.h"
 #include "model/ModelFile.h"
 
 namespace VorNode {
@@ -40,15 +39,16 @@ std::vector<MeasurementJob> readJobs(const Model& model, const std::filesystem::
 Node::Node(const NodeOptions& options, MeasurementProducer& producer, PmServiceListener& listener,
            std::ostream& log)
     : _modelFile(options.model),
+      _configuration(loadNodeConfiguration(options.configuration)),
       _root(options.root),
       _log(log),
       _model(loadModel(options.model)),
       _jobs(readJobs(*_model, options.model)),
       _transactions(*_model),
       _managedObjects(*_model, _transactions),
+      _client(*_model, _transactions, _managedObjects),
       _modelRepository(*_model),
-      _pmService(loadNodeConfiguration(options.configuration).pmServiceVersions, _jobs, producer, _router,
-                 listener),
+      _pmService(_configuration.pmServiceVersions, _jobs, producer, _router, listener),
       _framework(_registry),
       _component(options.library) {
     Vor::LoggingWrapper::instance().setLevel(options.logLevel);
@@ -76,6 +76,9 @@ void Node::offerServices() {
     // The component's list of dependencies has other names for the router than its look-ups.
     static const KelMgmtSpiInterface_1 routerAsDependency{"KelOamSpiEventService", "KelOamSpiEventRouter",
                                                           "1"};
+    // The objects of file management are in the node's own model.
+    static const KelMgmtSpiInterface_1 fileManagement{"VorFileManagementComponent", "VorOamSpiManagedObject",
+                                                      "3"};
     _registry.offerAs(Vor::Portal::COMP_ID, _framework.portalInterface());
     _registry.offer(_log.logInterface());
     _registry.offer(_log.traceInterface());
@@ -84,6 +87,9 @@ void Node::offerServices() {
     _registry.offer(_transactions.interface());
     _registry.offer(_managedObjects.interface());
     _registry.offer(_modelRepository.interface());
+    if (_configuration.fileManagement == FileManagement::Present) {
+        _registry.offerAs(fileManagement, _managedObjects.interface());
+    }
     for (KelMgmtSpiInterface_1* version : _pmService.interfaces()) {
         _registry.offer(*version);
     }
@@ -106,9 +112,19 @@ void Node::loadComponent(const NodeOptions& options) {
     }
 }
 
-void Node::start() {
-    _running = true;
+template <class StepT>
+void Node::startStep(StepT step) {
     try {
+        step();
+    } catch (...) {
+        shutDown();
+        throw;
+    }
+}
+
+void Node::startComponent() {
+    _running = true;
+    startStep([this] {
         const KelReturnT result = _framework.startComponent();
         if (result != VorReturnOk) {
             throw std::runtime_error("the component did not start (result " + std::to_string(result) +
@@ -119,11 +135,12 @@ void Node::start() {
                                      _root.reportFolder().string() +
                                      "; take the vorea that answers for another node off the search path");
         }
-        withFile(_modelFile, [this] { _pmService.start(); });
-    } catch (...) {
-        shutDown();
-        throw;
-    }
+    });
+}
+
+void Node::start() {
+    startComponent();
+    startStep([this] { withFile(_modelFile, [this] { _pmService.start(); }); });
 }
 
 void Node::stop() {

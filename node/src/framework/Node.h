@@ -10,12 +10,14 @@
 #include "framework/ComponentLibrary.h"
 #include "framework/InstallPaths.h"
 #include "framework/InterfaceRegistry.h"
+#include "framework/NodeConfiguration.h"
 #include "framework/NodeRoot.h"
 #include "model/MeasurementJob.h"
 #include "model/Model.h"
 #include "services/EventRouter.h"
 #include "services/LogService.h"
 #include "services/ManagedObjectService.h"
+#include "services/ManagementClient.h"
 #include "services/ModelRepositoryService.h"
 #include "services/PmService.h"
 #include "services/TransactionService.h"
@@ -50,9 +52,11 @@ class Node {
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
-    /// Starts the component, then the measurement jobs. Throws `std::runtime_error` when the component
-    /// refuses, and `InputError` when the producer cannot measure what a job asks for; everything is stopped
-    /// then.
+    /// Starts the component. Throws `std::runtime_error` when it refuses; it is stopped then.
+    void startComponent();
+
+    /// Starts the component, then the measurement jobs. Throws as `startComponent` does, and `InputError`
+    /// when the producer cannot measure what a job asks for; everything is stopped then.
     void start();
 
     /// Stops announcing, then the component, which publishes what is open. Throws `std::runtime_error`, with
@@ -63,6 +67,7 @@ class Node {
     const std::vector<MeasurementJob>& jobs() const { return _jobs; }
     const PmService& pmService() const { return _pmService; }
     const LogService& log() const { return _log; }
+    const ManagementClient& client() const { return _client; }
 
   private:
     /// The way of the platform library, and the component through it, to this node's services.
@@ -79,13 +84,19 @@ class Node {
     /// The component's result.
     KelReturnT shutDown();
 
+    /// Runs a step of the start; everything is stopped when it fails.
+    template <class StepT>
+    void startStep(StepT step);
+
     const std::filesystem::path _modelFile;
+    const NodeConfiguration _configuration;
     NodeRoot _root;
     LogService _log;
     const std::unique_ptr<Model> _model;
     const std::vector<MeasurementJob> _jobs;
     TransactionService _transactions;
     ManagedObjectService _managedObjects;
+    ManagementClient _client;
     ModelRepositoryService _modelRepository;
     EventRouter _router;
     PmService _pmService;

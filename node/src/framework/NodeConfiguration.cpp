@@ -1,24 +1,38 @@
 #include "framework/NodeConfiguration.h"
 
+#include <initializer_list>
+#include <string_view>
+#include <utility>
+
 #include "model/XmlFile.h"
 
 namespace VorNode {
 
 namespace {
 
-PmVersions readVersions(const XmlFile& file, const XmlElement& element) {
-    file.expectAttributes(element, {});
-    file.expectChildren(element, {});
-    if (element.text == "1") {
-        return PmVersions::One;
+/// What each of a setting's texts stands for.
+template <class T>
+using Choices = std::initializer_list<std::pair<std::string_view, T>>;
+
+/// Stores what the setting's text stands for; an absent setting leaves its default.
+template <class T>
+void readChoice(const XmlFile& file, const XmlElement& node, const std::string& name, Choices<T> choices,
+                T& setting) {
+    const XmlElement* element = file.child(node, name);
+    if (element == nullptr) {
+        return;
     }
-    if (element.text == "2") {
-        return PmVersions::Two;
+    file.expectAttributes(*element, {});
+    file.expectChildren(*element, {});
+    std::string remedy = "; write one of";
+    for (const auto& [text, meaning] : choices) {
+        if (element->text == text) {
+            setting = meaning;
+            return;
+        }
+        remedy += " '" + std::string(text) + "'";
     }
-    if (element.text == "1 2") {
-        return PmVersions::OneAndTwo;
-    }
-    file.refuse(element, "pmServiceVersions is '" + element.text + "'; write 1, 2 or 1 2");
+    file.refuse(*element, name + " is '" + element->text + "'" + remedy);
 }
 
 }  // namespace
@@ -29,10 +43,14 @@ NodeConfiguration loadNodeConfiguration(const std::string& path) {
     if (const XmlElement* node = file.child(file.root(), "VorNode")) {
         file.expectAttributes(*node, {});
         file.expectNoText(*node);
-        file.expectChildren(*node, {"pmServiceVersions"});
-        if (const XmlElement* versions = file.child(*node, "pmServiceVersions")) {
-            configuration.pmServiceVersions = readVersions(file, *versions);
-        }
+        file.expectChildren(*node, {"pmServiceVersions", "fileManagement"});
+        readChoice<PmVersions>(
+            file, *node, "pmServiceVersions",
+            {{"1", PmVersions::One}, {"2", PmVersions::Two}, {"1 2", PmVersions::OneAndTwo}},
+            configuration.pmServiceVersions);
+        readChoice<FileManagement>(file, *node, "fileManagement",
+                                   {{"absent", FileManagement::Absent}, {"present", FileManagement::Present}},
+                                   configuration.fileManagement);
     }
     return configuration;
 }
