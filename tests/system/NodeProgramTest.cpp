@@ -99,6 +99,7 @@ TEST(NodeProgram, EndsWellWhenItIsToldTo) {
         const TemporaryRoot root;
         Program program({"run", "--root", root.path().string()});
         ASSERT_TRUE(program.waitForLine("job Processor: ")) << "shows its jobs";
+        ASSERT_TRUE(program.waitForLine("  supportedRopPeriods: 3, 4, 5"));
         Program second({"run", "--root", root.path().string()});
         EXPECT_NE(second.restOfOutput().find("another node runs on this root"), std::string::npos);
         EXPECT_EQ(second.exitStatus(), 2);
@@ -106,6 +107,15 @@ TEST(NodeProgram, EndsWellWhenItIsToldTo) {
         EXPECT_NE(program.restOfOutput().find("node stopped: "), std::string::npos);
         EXPECT_EQ(program.exitStatus(), 0);
     }
+}
+
+TEST(NodeProgram, ShowsItsCapabilitiesAlone) {
+    const TemporaryRoot root;
+    Program program({"run", "--capabilities", "--root", root.path().string()});
+    const std::string output = program.restOfOutput();
+    EXPECT_NE(output.find("  fileGroup: no value\n"), std::string::npos) << output;
+    EXPECT_EQ(output.find("job "), std::string::npos) << output;
+    EXPECT_EQ(program.exitStatus(), 0);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <regex>
 
 #include <Poco/DateTimeFormat.h>
 #include <Poco/DateTimeParser.h>
@@ -9,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "Golden.h"
+#include "app/AttributeText.h"
 #include "counters/RecordedCounters.h"
 
 namespace VorTest {
@@ -90,6 +92,18 @@ void TestNode::stop() {
     EXPECT_EQ(counts.released, counts.announced);
     EXPECT_TRUE(counts.announced > 0 || !_started) << "no GP was delivered";
     _node.reset();
+}
+
+std::string TestNode::read(const std::string& attribute) const {
+    const VorNode::AttributeReading reading = _node->client().read(
+        "ManagedElement=1,SystemFunctions=1,Pm=1,PmMeasurementCapabilities=1", attribute);
+    return reading.result == 0 ? VorNode::attributeText(reading.values)
+                               : "result " + std::to_string(reading.result);
+}
+
+void TestNode::edit(const std::filesystem::path& file, const std::string& pattern,
+                    const std::string& replacement) {
+    writeFile(file, std::regex_replace(readFile(file), std::regex(pattern), replacement));
 }
 
 bool TestNode::waitForReports(std::size_t count) const {

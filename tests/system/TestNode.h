@@ -62,6 +62,13 @@ class TestNode {
     /// The log so far; only after `stop`.
     std::string log() const { return _log.str(); }
     const TemporaryRoot& root() const { return _root; }
+
+    /// What a client reads of the measurement capabilities: values with ", " between them.
+    std::string read(const std::string& attribute) const;
+
+    /// Replaces what matches the regular expression in a file of the node.
+    static void edit(const std::filesystem::path& file, const std::string& pattern,
+                     const std::string& replacement);
     std::filesystem::path modelFile() const { return _root.path() / "model.xml"; }
     std::filesystem::path configurationFile() const { return _root.path() / "node.xml"; }
     VorNode::NodeOptions options() const;

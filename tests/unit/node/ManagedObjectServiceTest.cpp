@@ -122,6 +122,43 @@ TEST_F(ManagedObjectServiceTest, WritesStructsAndRefusesMalformedContainers) {
     EXPECT_EQ(_table.setMoAttribute(accessor.getTransaction(), nullptr, "s", &texts), VorReturnFailed);
 }
 
+TEST_F(ManagedObjectServiceTest, TakesSeveralAttributesAtOnce) {
+    const MoAccessor accessor(0, 10);
+    const unsigned long handle = accessor.getTransaction();
+    VorMoAttributeValue_3 text{.text = "new"}, number{.number = 5};
+    VorMoAttributeValueContainer_3 texts{VorMoTypeString, 1, &text}, numbers{VorMoTypeEnum, 1, &number};
+    KelMoNamedAttributeValueContainer_3 s{"s", &texts}, e{"e", &numbers}, wrong{"u", &texts};
+    KelMoNamedAttributeValueContainer_3 *good[]{&s, &e, nullptr}, *bad[]{&s, &wrong, nullptr};
+    EXPECT_EQ(_table.setMoAttributes(handle, first, bad), VorReturnFailed);
+    EXPECT_EQ(_transactions.written(handle, first, "s"), std::nullopt) << "all or none";
+    EXPECT_EQ(_table.setMoAttributes(handle, first, good), VorReturnOk);
+
+    const char *names[]{"e", "b", "s", nullptr}, *unknown[]{"s", "x", nullptr};
+    VorMoAttributeValuesResult_3 result{};
+    EXPECT_EQ(_table.getMoAttributes(handle, first, unknown, &result), VorReturnAbsent);
+    EXPECT_EQ(result.containers, nullptr);
+    ASSERT_EQ(_table.getMoAttributes(handle, first, names, &result), VorReturnOk);
+    EXPECT_EQ(result.containers[0]->values[0].number, 5);
+    EXPECT_EQ(result.containers[1]->valueCount, 0);
+    EXPECT_STREQ(result.containers[2]->values[0].text, "new");
+    result.release(result.containers);
+}
+
+TEST_F(ManagedObjectServiceTest, KnowsItsObjects) {
+    const MoAccessor accessor(0, 10);
+    const unsigned long handle = accessor.getTransaction();
+    bool exists = false;
+    EXPECT_EQ(_table.existsMo(handle, second, &exists), VorReturnOk);
+    EXPECT_TRUE(exists);
+    EXPECT_EQ(_table.existsMo(handle, "A=2,B=9", &exists), VorReturnOk);
+    EXPECT_FALSE(exists);
+    unsigned long long count = 0;
+    EXPECT_EQ(_table.countMoChildren(handle, "A=1", "A,B", &count), VorReturnOk);
+    EXPECT_EQ(count, 1);
+    EXPECT_EQ(_table.countMoChildren(handle, first, "A,B", &count), VorReturnOk);
+    EXPECT_EQ(count, 0) << "an object is not its own child";
+}
+
 TEST_F(ManagedObjectServiceTest, IteratesInCreationOrder) {
     MoAccessor accessor(0, 10);
     std::string dn;

@@ -1,7 +1,10 @@
 #include <cstdlib>
 #include <filesystem>
+#include <mutex>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "PmComponent.h"
 #include "PmEngine.h"
@@ -13,12 +16,14 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string portals = "13";
-bool lookUpThrows = false;
+std::string throwingVersion;
 KelReturnT registrationCode = 0;
 KelMgmtSpiComponent* registered = nullptr;
 
 KelReturnT lookUp(const KelMgmtSpiInterface_1* identifier, KelMgmtSpiInterface_1** interface) {
-    return lookUpThrows ? throw 1 : VorNode::InterfaceRegistry::lookUp(identifier, interface);
+    return identifier->interfaceVersion == throwingVersion
+               ? throw 1
+               : VorNode::InterfaceRegistry::lookUp(identifier, interface);
 }
 KelReturnT add(KelMgmtSpiComponent* component) {
     registered = component;
@@ -48,6 +53,15 @@ Texts describe(KelMgmtSpiInterface_1** list) {
                         text((*list)->interfaceVersion));
     return texts;
 }
+
+/// What the process holds.
+struct Resources {
+    static long count(const char* folder) {
+        return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+    }
+    long threads = count("/proc/self/task"), descriptors = count("/proc/self/fd");
+    std::size_t bytes = ::mallinfo2().uordblks;
+};
 
 const std::string report = "A20260305.1314+0000-1315+0000_vor-node.xml: ";
 
@@ -120,26 +134,95 @@ TEST(PmComponent, TellsWhyItCannotStart) {
     auto engine = std::make_unique<PmEngine>(Texts{pmRootDn});
     const auto expectRefusal = [&engine](const std::string& message) {
         ASSERT_EQ(initialize(*engine), 0);
-        EXPECT_EQ(registered->start(1), -1);
-        EXPECT_EQ(engine->messages().back(), "3 start " + message);
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_EQ(registered->start(1), -1) << "on top of what is left, too";
+            EXPECT_EQ(engine->messages().back(), "3 start " + message);
+        }
+        EXPECT_EQ(registered->stop(1), 0);
+        EXPECT_EQ(engine->messages(), Texts{});
     };
     expectRefusal("Error fetching Pm root dn or PmMeasurementCapabilities. PM will fail to start.");
-    lookUpThrows = true;
+    throwingVersion = "2";
     expectRefusal("Unhandled Exception while starting VorPmComponent");
-    lookUpThrows = false;
+    throwingVersion = "";
     portals = "3";
     expectRefusal("Vor Exception while starting VorPmComponent: No management portal of version 1");
     portals = "13";
     engine.reset();
     engine = std::make_unique<PmEngine>();
+    VorPm::PmInterceptor first;
+    first.init();
+    expectRefusal("Error registering PM MOC to interceptor. PM will fail to start.");
+    EXPECT_EQ(engine->count("setMoAttribute set maxNoOfPmFiles attribute"), 0);
+    first.deregisterInterceptor();
+    throwingVersion = "3";
+    expectRefusal("Unhandled Exception while starting VorPmComponent");
+    throwingVersion = "";
     engine->root.answerWith("exit 1");
     expectRefusal("Error establishing storage location for PM reportfiles. PM will fail to start.");
     engine->root.answerWith("case $1 in pso) echo '" + engine->root.noBackup().string() +
                             "' ;; *) echo /no ;; esac");
     expectRefusal("Error creating symlink from internalroot to no-backup PM will fail to start.");
     engine->root.answerWith("echo '" + engine->root.internalRoot().string() + "'");
-    EXPECT_EQ(registered->start(1), 0) << "on top of what is left";
+    EXPECT_EQ(registered->start(1), 0);
     EXPECT_EQ(registered->stop(1), 0);
+}
+
+TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
+    constexpr int rounds = 200;
+    PmEngine engine;
+    engine.model->commit({{capabilitiesDn, "supportedMeasJobGps", {std::int16_t{4}, std::int16_t{3}}}});
+    Poco::Event fetched;
+    engine.getGp = [&, getGp = engine.getGp](auto id, auto*& records) {
+        fetched.set();
+        return getGp(id, records);
+    };
+    Vor::LoggingWrapper::instance().setLevel(6);
+    ASSERT_EQ(initialize(engine), 0);
+    // Held while an event is on its way, and here to look at what became of them.
+    std::mutex announcing;
+    const auto announce = [&](const std::stop_token& end) {
+        while (!end.stop_requested()) {
+            std::lock_guard lock(announcing);
+            engine.announce("Processor", 0, 0);
+        }
+    };
+    const auto read = [&engine](const std::stop_token& end) {
+        while (!end.stop_requested()) {
+            const std::string alone = engine.read({"supportedRopPeriods"}),
+                              together = engine.read({"supportedRopPeriods", "supportedMeasJobGps"});
+            EXPECT_TRUE(alone == "3 4" || alone == "3 4 5 6 7 8 9") << alone;
+            EXPECT_TRUE(together == "3 4/4 3" || together == "3 4 5 6 7 8 9/4 3") << together;
+        }
+    };
+    std::vector<std::jthread> threads;
+    threads.emplace_back(announce);
+    Resources first, last;
+    for (int round = 1; round <= rounds; ++round) {
+        fetched.reset();
+        ASSERT_EQ(registered->start(1), 0);
+        ASSERT_TRUE(fetched.tryWait(deadline));
+        ASSERT_EQ(registered->stop(1), 0);
+        std::lock_guard lock(announcing);
+        engine.log.clear();
+        for (const std::uint64_t id : engine.taken)
+            EXPECT_EQ(engine.count("releaseGp2 " + std::to_string(id)), 1);
+        for (const VorNode::GpInfo& undelivered : engine.store.unreleased())
+            engine.store.withdraw(undelivered.id);
+        engine.taken.clear();
+        engine.happenings.clear();
+        if (round == 1) {
+            threads.emplace_back(read);
+            threads.emplace_back(read);
+            first = Resources();
+        }
+        last = Resources();
+    }
+    EXPECT_EQ(last.threads, first.threads);
+    EXPECT_EQ(last.descriptors, first.descriptors);
+    // The heap finds its size in the first rounds; a round that kept something would add up to more.
+    EXPECT_LT(last.bytes, first.bytes + rounds * 1024);
+    RecordProperty("events", static_cast<int>(engine.announced));
 }
 
 TEST(PmComponent, CleansUpWhenTheProcessEndsWithoutAStop) {

@@ -7,6 +7,8 @@
 #include <Poco/String.h>
 #include <gtest/gtest.h>
 
+#include "ExtCmInterceptorRepository.h"
+#include "PmInterceptor.h"
 #include "Portal.h"
 #include "ReportCheck.h"
 #include "model/ModelFile.h"
@@ -42,6 +44,13 @@ std::unique_ptr<VorNode::Model> loadModel(const TemporaryRoot& root, const Texts
     }
     writeFile(root.path() / "model.xml", text);
     return VorNode::loadModel(root.path() / "model.xml");
+}
+
+std::string textOf(const VorMoAttributeValueContainer_3* container) {
+    std::string text;
+    for (std::uint32_t i = 0; container != nullptr && i < container->valueCount; ++i)
+        text += (i == 0 ? "" : " ") + std::to_string(container->values[i].number);
+    return container != nullptr ? text : "none";
 }
 
 }  // namespace
@@ -118,6 +127,36 @@ KelReturnT PmEngine::announce(const std::string& job, std::int64_t now, std::int
     if (result == VorReturnOk)
         taken.push_back(event.gpId);
     return result;
+}
+
+std::string PmEngine::read(const Texts& attributes, const std::string& dn) const {
+    struct Raw : VorExtCmRouterService::MoInterceptorBase {
+        Raw() { initialize(); }
+    } raw;
+    const Vor::MoAccessor accessor(1, 60);
+    const unsigned long handle = accessor.getTransaction();
+    const auto found =
+        VorExtCmRouterService::ExtCmInterceptorRepository::instance().find(VorPm::pmMeasCapsClassPath);
+    VorExtCmRouterService::MoInterceptorBase& way = found != nullptr ? *found : raw;
+    std::vector<const char*> names;
+    for (const std::string& attribute : attributes)
+        names.push_back(attribute.c_str());
+    names.push_back(nullptr);
+    VorMoAttributeValueResult_3 one{};
+    VorMoAttributeValuesResult_3 many{};
+    const KelReturnT code = attributes.size() == 1
+                                ? way.getMoAttribute(handle, dn.c_str(), names[0], &one)
+                                : way.getMoAttributes(handle, dn.c_str(), names.data(), &many);
+    if (code != VorReturnOk)
+        return "result " + std::to_string(code);
+    std::string text;
+    for (std::size_t i = 0; i < attributes.size(); ++i)
+        text += (i == 0 ? "" : "/") + textOf(many.containers != nullptr ? many.containers[i] : one.container);
+    if (one.release != nullptr && one.container != nullptr)
+        one.release(one.container);
+    if (many.release != nullptr)
+        many.release(many.containers);
+    return text;
 }
 
 void PmEngine::await(const std::string& what, int times) {

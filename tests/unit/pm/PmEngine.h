@@ -50,6 +50,9 @@ struct PmEngine {
     /// Announces the next GP, ids ascend from 1, to the task manager or, while there is none, to the router.
     /// Its one value is its id. `now`, which the clock is set to, and `end` are in s after `minute`.
     KelReturnT announce(const std::string& job, std::int64_t now, std::int64_t end);
+    /// What a client reads of the measurement capabilities, or of another object: values, "none" for no
+    /// container, "/" between attributes; "result code" when it is refused.
+    std::string read(const Texts& attributes, const std::string& dn = capabilitiesDn) const;
     /// Waits until it has happened so often: "operation text" of a line, "getGp2 id", "releaseGp1 id" and the
     /// like.
     void await(const std::string& what, int times = 1);

@@ -1,0 +1,149 @@
+#include <atomic>
+#include <thread>
+
+#include <Poco/StringTokenizer.h>
+#include <gtest/gtest.h>
+
+#include "ExtCmInterceptorRepository.h"
+#include "PmEngine.h"
+#include "PmInterceptor.h"
+
+namespace VorTest {
+namespace {
+
+using VorNode::AttributeValues;
+using VorPm::PmInterceptor;
+
+const Texts ropPeriods{"supportedRopPeriods"}, both{"supportedRopPeriods", "maxNoOfPmFiles"};
+
+Texts words(const std::string& text) {
+    const Poco::StringTokenizer tokens(text, " ", Poco::StringTokenizer::TOK_IGNORE_EMPTY);
+    return {tokens.begin(), tokens.end()};
+}
+
+void setModel(const PmEngine& engine, const std::string& jobGps, const std::string& periods) {
+    const auto numbers = [](const std::string& text) {
+        AttributeValues values;
+        for (const std::string& word : words(text))
+            values.emplace_back(static_cast<std::int16_t>(std::stoi(word)));
+        return values;
+    };
+    engine.model->commit({{capabilitiesDn, "supportedMeasJobGps", numbers(jobGps)},
+                          {capabilitiesDn, "supportedRopPeriods", numbers(periods)},
+                          {capabilitiesDn, "maxNoOfPmFiles", {std::uint16_t{7}}}});
+}
+
+}  // namespace
+
+TEST(PmInterceptor, ShowsOnlyPeriodsThatJobsCanHave) {
+    PmEngine engine;
+    PmInterceptor interceptor;
+    EXPECT_EQ(interceptor.init(), 0);
+    for (const Texts& row : goldenTable("narrowing.txt")) {
+        setModel(engine, row[0], row[1]);
+        EXPECT_EQ(engine.read(ropPeriods), row[2]) << row[0];
+        EXPECT_EQ(engine.read(words(row[3])), row[4]) << row[0];
+    }
+    EXPECT_EQ(engine.messages(),
+              (Texts{"4 narrowRopPeriods Only 1 of 3 supportedRopPeriods fit in the answer"}));
+    interceptor.deregisterInterceptor();
+    EXPECT_EQ(engine.read(ropPeriods), "5");
+}
+
+TEST(PmInterceptor, LeavesAnswersAloneWhenTheModelCannotTell) {
+    PmEngine engine({"VorOamSpiModelRepository 2"});
+    setModel(engine, "3", "4 5");
+    PmInterceptor interceptor;
+    EXPECT_EQ(interceptor.init(), 0);
+    EXPECT_EQ(engine.read(ropPeriods), "4 5");
+    EXPECT_EQ(engine.read(both), "4 5/7");
+    interceptor.deregisterInterceptor();
+}
+
+TEST(PmInterceptor, PassesFailuresOnAndTakesOddAnswers) {
+    using Get = KelReturnT (*)(unsigned long, const char*, const char*, VorMoAttributeValueResult_3*);
+    using GetAll = KelReturnT (*)(unsigned long, const char*, const char**, VorMoAttributeValuesResult_3*);
+    static VorMoAttributeValueContainer_3 hollow, *hollows[2], *none[2]{};
+    struct Row {
+        Get get;
+        GetAll getAll;
+        const char* answer;
+        const char* answers;
+    };
+    const Get refuse = [](auto, auto, auto, auto) { return 9; };
+    const GetAll raw = nullptr;
+    const Row rows[]{
+        {refuse, [](auto, auto, auto, auto) { return 8; }, "result 9", "result 8"},
+        {[](auto, auto, auto, auto) -> int { throw 1; }, [](auto, auto, auto, auto) -> int { throw 1; },
+         "result -1", "result -1"},
+        {refuse, raw, "result 9", "4 5/7"},
+        {[](auto, auto, auto, auto) -> int { throw 1; }, raw, "result -1", "4 5/7"},
+        {[](auto, auto, auto, auto* result) {
+             return *result = {nullptr, &hollow}, 0;
+         },
+         [](auto, auto, auto, auto* result) {
+             return *result = {nullptr, hollows}, 0;
+         },
+         "none", "/"},
+        {[](auto, auto, auto, auto*) { return 0; },
+         [](auto, auto, auto, auto* result) {
+             return *result = {nullptr, none}, 0;
+         },
+         "none", "none/none"},
+        {refuse, [](auto, auto, auto, auto*) { return 0; }, "result 9", "none/none"},
+    };
+    PmEngine engine;
+    setModel(engine, "3", "4 5");
+    PmInterceptor interceptor;
+    EXPECT_EQ(interceptor.init(), 0);
+    EXPECT_EQ(engine.read(ropPeriods, "A=1"), "result -2");
+    EXPECT_EQ(engine.read(both, "A=1"), "result -2");
+    const GetAll getAll = engine.objectTable.getMoAttributes;
+    for (const Row& row : rows) {
+        hollow = {VorMoTypeEnum, 2, nullptr};
+        hollows[0] = hollows[1] = &hollow;
+        engine.objectTable.getMoAttribute = row.get;
+        engine.objectTable.getMoAttributes = row.getAll != raw ? row.getAll : getAll;
+        EXPECT_EQ(engine.read(ropPeriods), row.answer);
+        EXPECT_EQ(engine.read(both), row.answers);
+    }
+    EXPECT_EQ(engine.messages(), Texts{});
+    interceptor.deregisterInterceptor();
+}
+
+TEST(PmInterceptor, IsAskedFromItsRegistrationToItsDeregistration) {
+    PmEngine engine({capabilitiesDn});
+    PmInterceptor interceptor, other;
+    VorMoAttributeValueResult_3 result{};
+    EXPECT_EQ(interceptor.getMoAttribute(1, "", "x", &result), -1);
+    interceptor.deregisterInterceptor();
+    EXPECT_EQ(interceptor.init(), -1);
+    EXPECT_EQ(other.init(), -1) << "one for a class";
+    EXPECT_EQ(engine.messages(),
+              (Texts{"3 getPmMeasCapsDn Unable to get PmMeasurementCapabilities instance No "
+                     "instance of " +
+                     std::string(VorPm::pmMeasCapsClassPath) + " found"}));
+    interceptor.deregisterInterceptor();
+    engine.objectTable.newMoIterator = [](auto, auto, auto, auto) -> int { throw 1; };
+    EXPECT_EQ(other.init(), -1);
+    EXPECT_EQ(engine.messages(),
+              (Texts{"3 getPmMeasCapsDn Unable to get PmMeasurementCapabilities instance"}));
+
+    static std::atomic<bool> began, ended;
+    engine.objectTable.getMoAttribute = [](auto, auto, auto, auto) {
+        began = true;
+        const auto& repository = VorExtCmRouterService::ExtCmInterceptorRepository::instance();
+        while (repository.find(VorPm::pmMeasCapsClassPath) != nullptr)
+            std::this_thread::yield();
+        ended = true;
+        return 0;
+    };
+    std::thread client([&engine] { engine.read({"fileGroup"}); });
+    while (!began)
+        std::this_thread::yield();
+    other.deregisterInterceptor();
+    EXPECT_TRUE(ended) << "a read in flight is waited for";
+    client.join();
+}
+
+}  // namespace VorTest
