@@ -45,6 +45,8 @@ KelReturnT PmInterceptor::init() {
     initialize();
     const KelReturnT result = _interceptorRepository->registerClass(*this, pmMeasCapsClassPath);
     if (result != VorReturnOk) {
+        // What is registered is somebody else's, and stays.
+        _interceptorRepository = nullptr;
         LOG_TRACE(" << ");
         return result;
     }
