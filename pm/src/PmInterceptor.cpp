@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 #include "ExtCmInterceptorRepository.h"
 #include "PmAccessor.h"
@@ -12,8 +13,6 @@
 #include "VorException.h"
 
 namespace VorPm {
-
-using VorExtCmRouterService::MoInterceptorBase;
 
 namespace {
 
@@ -104,8 +103,7 @@ KelReturnT PmInterceptor::getCommonPeriods(unsigned long txHandle, const char* d
         return VorReturnOk;
     }
     replaceValues(jobGps.container, common);
-    result = jobGps;
-    jobGps.container = nullptr;
+    result = {jobGps.release, std::exchange(jobGps.container, nullptr)};
     return VorReturnOk;
 }
 
