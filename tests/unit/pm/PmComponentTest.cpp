@@ -6,44 +6,12 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include "PmComponent.h"
-#include "PmEngine.h"
-#include "Portal.h"
+#include "Framework.h"
 
 namespace VorTest {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string portals = "13";
-std::string throwingVersion;
-KelReturnT registrationCode = 0;
-KelMgmtSpiComponent* registered = nullptr;
-
-KelReturnT lookUp(const KelMgmtSpiInterface_1* identifier, KelMgmtSpiInterface_1** interface) {
-    return identifier->interfaceVersion == throwingVersion
-               ? throw 1
-               : VorNode::InterfaceRegistry::lookUp(identifier, interface);
-}
-KelReturnT add(KelMgmtSpiComponent* component) {
-    registered = component;
-    return registrationCode;
-}
-KelReturnT remove(KelMgmtSpiComponent* component) {
-    return std::exchange(registered, nullptr) == component ? 0 : -1;
-}
-VorMgmtSpiInterfacePortal_1 portal1{{}, &lookUp};
-KelMgmtSpiInterfacePortal_3 portal3{{}, nullptr, nullptr, &add, &remove};
-KelMgmtSpiPortalAccessor accessor{[](const char* version) -> void* {
-    void* portal = *version == '1' ? static_cast<void*>(&portal1) : &portal3;
-    return portals.find(version) != std::string::npos ? portal : nullptr;
-}};
-
-KelReturnT initialize(const PmEngine& engine) {
-    const std::string path = engine.root.path() / "component.xml";
-    writeFile(path, "<VorPmComp><pmTimerExpirationTime>50</pmTimerExpirationTime></VorPmComp>");
-    return kelLCMinit(&accessor, path.c_str());
-}
 
 Texts describe(KelMgmtSpiInterface_1** list) {
     const auto text = [](const char* part) { return part != nullptr ? std::string(part) + " " : "* "; };
@@ -69,16 +37,16 @@ const std::string report = "A20260305.1314+0000-1315+0000_vor-node.xml: ";
 
 TEST(PmComponent, RegistersTheSameRecordEachTime) {
     PmEngine engine;
-    portals = "1";
-    EXPECT_EQ(kelLCMinit(&accessor, "/"), -1);
-    EXPECT_EQ(registered, nullptr);
-    portals = "3";
-    registrationCode = 7;
-    EXPECT_EQ(kelLCMinit(&accessor, "/"), 7);
+    Framework::portals = "1";
+    EXPECT_EQ(kelLCMinit(&Framework::accessor, "/"), -1);
+    EXPECT_EQ(Framework::registered, nullptr);
+    Framework::portals = "3";
+    Framework::registrationCode = 7;
+    EXPECT_EQ(kelLCMinit(&Framework::accessor, "/"), 7);
     EXPECT_EQ(engine.count("load unloading before loading configuration"), 0) << "nothing is read then";
-    registrationCode = 0;
-    EXPECT_EQ(kelLCMinit(&accessor, nullptr), -8);
-    EXPECT_EQ(kelLCMinit(&accessor, "/dev/null/none"), -1);
+    Framework::registrationCode = 0;
+    EXPECT_EQ(kelLCMinit(&Framework::accessor, nullptr), -8);
+    EXPECT_EQ(kelLCMinit(&Framework::accessor, "/dev/null/none"), -1);
     Texts needed{"VorPlatform KelMgmtSpiInterfacePortal 3 ",
                  "* KelMwSpiTrace * ",
                  "* VorMwSpiLog 1 ",
@@ -86,33 +54,33 @@ TEST(PmComponent, RegistersTheSameRecordEachTime) {
                  "KelOamSpiTransactionService KelOamSpiTransactionMaster 1 ",
                  "VorOamSpiExtCmRouterService VorOamSpiManagedObject 1 "};
     for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(initialize(engine), 0);
-        EXPECT_STREQ(registered->componentName, "VorPmComponent");
-        EXPECT_STREQ(registered->interfaceName, "KelMgmtSpiComponent");
-        EXPECT_STREQ(registered->interfaceVersion, "2");
-        EXPECT_EQ(describe(registered->providedInterfaces), Texts{});
-        EXPECT_EQ(describe(registered->dependencies), needed);
-        EXPECT_EQ(describe(registered->optionalDependencies),
+        EXPECT_EQ(Framework::initialize(engine), 0);
+        EXPECT_STREQ(Framework::registered->componentName, "VorPmComponent");
+        EXPECT_STREQ(Framework::registered->interfaceName, "KelMgmtSpiComponent");
+        EXPECT_STREQ(Framework::registered->interfaceVersion, "2");
+        EXPECT_EQ(describe(Framework::registered->providedInterfaces), Texts{});
+        EXPECT_EQ(describe(Framework::registered->dependencies), needed);
+        EXPECT_EQ(describe(Framework::registered->optionalDependencies),
                   (Texts{"* VorOamSpiPm 1 ", "* VorOamSpiPm 2 "}));
         kelLCMterminate();
-        EXPECT_EQ(registered, nullptr);
+        EXPECT_EQ(Framework::registered, nullptr);
         kelLCMterminate();
     }
 }
 
 TEST(PmComponent, WorksFromEachStartToItsStop) {
     PmEngine engine;
-    ASSERT_EQ(initialize(engine), 0);
-    EXPECT_EQ(registered->stop(0), 0);
+    ASSERT_EQ(Framework::initialize(engine), 0);
+    EXPECT_EQ(Framework::stop(), 0);
     for (int round = 1; round <= 3; ++round) {
         for (int start = 1; start < round; ++start)
-            EXPECT_EQ(registered->start(1), 0) << "what is left of it is cleaned up by the next";
-        EXPECT_EQ(registered->start(1), 0);
+            EXPECT_EQ(Framework::start(), 0) << "what is left of it is cleaned up by the next";
+        EXPECT_EQ(Framework::start(), 0);
         EXPECT_FALSE(fs::is_empty(engine.root.internalRoot())) << "there is the link";
         const std::string gp = std::to_string(2 * round - 1);
         EXPECT_EQ(engine.announce("Processor", 0, 0), 0);
         engine.await("releaseGp2 " + gp);
-        EXPECT_EQ(registered->stop(2), 0);
+        EXPECT_EQ(Framework::stop(), 0);
         EXPECT_EQ(engine.reports(), Texts{report + gp});
         EXPECT_EQ(engine.announce("Processor", 0, 0), -1) << "nobody listens";
     }
@@ -121,33 +89,33 @@ TEST(PmComponent, WorksFromEachStartToItsStop) {
 
 TEST(PmComponent, IsIdleWithoutPmService) {
     PmEngine engine({"VorOamSpiPm 1", "VorOamSpiPm 2"});
-    ASSERT_EQ(initialize(engine), 0);
-    EXPECT_EQ(registered->start(1), 0);
+    ASSERT_EQ(Framework::initialize(engine), 0);
+    EXPECT_EQ(Framework::start(), 0);
     EXPECT_FALSE(fs::exists(engine.root.reportFolder()));
     EXPECT_EQ(engine.announce("Processor", 0, 0), -1);
     EXPECT_EQ(engine.count("run >>"), 0);
-    EXPECT_EQ(registered->stop(1), 0);
+    EXPECT_EQ(Framework::stop(), 0);
     EXPECT_EQ(engine.messages(), Texts{});
 }
 
 TEST(PmComponent, TellsWhyItCannotStart) {
     auto engine = std::make_unique<PmEngine>(Texts{pmRootDn});
     const auto expectRefusal = [&engine](const std::string& message) {
-        ASSERT_EQ(initialize(*engine), 0);
+        ASSERT_EQ(Framework::initialize(*engine), 0);
         for (int round = 0; round < 2; ++round) {
-            EXPECT_EQ(registered->start(1), -1) << "on top of what is left, too";
+            EXPECT_EQ(Framework::start(), -1) << "on top of what is left, too";
             EXPECT_EQ(engine->messages().back(), "3 start " + message);
         }
-        EXPECT_EQ(registered->stop(1), 0);
+        EXPECT_EQ(Framework::stop(), 0);
         EXPECT_EQ(engine->messages(), Texts{});
     };
     expectRefusal("Error fetching Pm root dn or PmMeasurementCapabilities. PM will fail to start.");
-    throwingVersion = "2";
+    Framework::throwingVersion = "2";
     expectRefusal("Unhandled Exception while starting VorPmComponent");
-    throwingVersion = "";
-    portals = "3";
+    Framework::throwingVersion = "";
+    Framework::portals = "3";
     expectRefusal("Vor Exception while starting VorPmComponent: No management portal of version 1");
-    portals = "13";
+    Framework::portals = "13";
     engine.reset();
     engine = std::make_unique<PmEngine>();
     VorPm::PmInterceptor first;
@@ -155,17 +123,17 @@ TEST(PmComponent, TellsWhyItCannotStart) {
     expectRefusal("Error registering PM MOC to interceptor. PM will fail to start.");
     EXPECT_EQ(engine->count("setMoAttribute set maxNoOfPmFiles attribute"), 0);
     first.deregisterInterceptor();
-    throwingVersion = "3";
+    Framework::throwingVersion = "3";
     expectRefusal("Unhandled Exception while starting VorPmComponent");
-    throwingVersion = "";
+    Framework::throwingVersion = "";
     engine->root.answerWith("exit 1");
     expectRefusal("Error establishing storage location for PM reportfiles. PM will fail to start.");
     engine->root.answerWith("case $1 in pso) echo '" + engine->root.noBackup().string() +
                             "' ;; *) echo /no ;; esac");
     expectRefusal("Error creating symlink from internalroot to no-backup PM will fail to start.");
     engine->root.answerWith("echo '" + engine->root.internalRoot().string() + "'");
-    EXPECT_EQ(registered->start(1), 0);
-    EXPECT_EQ(registered->stop(1), 0);
+    EXPECT_EQ(Framework::start(), 0);
+    EXPECT_EQ(Framework::stop(), 0);
 }
 
 TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
@@ -178,7 +146,7 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
         return getGp(id, records);
     };
     Vor::LoggingWrapper::instance().setLevel(6);
-    ASSERT_EQ(initialize(engine), 0);
+    ASSERT_EQ(Framework::initialize(engine), 0);
     // Held while an event is on its way, and here to look at what became of them.
     std::mutex announcing;
     const auto announce = [&](const std::stop_token& end) {
@@ -200,9 +168,9 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
     Resources first, last;
     for (int round = 1; round <= rounds; ++round) {
         fetched.reset();
-        ASSERT_EQ(registered->start(1), 0);
+        ASSERT_EQ(Framework::start(), 0);
         ASSERT_TRUE(fetched.tryWait(deadline));
-        ASSERT_EQ(registered->stop(1), 0);
+        ASSERT_EQ(Framework::stop(), 0);
         std::lock_guard lock(announcing);
         engine.log.clear();
         for (const std::uint64_t id : engine.taken)
@@ -228,8 +196,8 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
 TEST(PmComponent, CleansUpWhenTheProcessEndsWithoutAStop) {
     PmEngine engine;
     const auto endWithoutStop = [&engine] {
-        initialize(engine);
-        registered->start(1);
+        Framework::initialize(engine);
+        Framework::start();
         engine.announce("Processor", 0, 0);
         engine.await("releaseGp2 1");
         std::exit(7);

@@ -190,7 +190,7 @@ Texts PmEngine::messages() {
 Texts PmEngine::reports() const {
     Texts texts = TemporaryRoot::filesIn(root.reportFolder());
     for (std::string& text : texts) {
-        const std::string report = readFile(root.reportFolder() / text), value = "<r p=\"1\">";
+        const std::string report = readReport(root.reportFolder() / text), value = "<r p=\"1\">";
         EXPECT_EQ(faultIn(report), "") << text;
         text += ":";
         for (auto at = report.find(value); at != std::string::npos; at = report.find(value, at + 1))
