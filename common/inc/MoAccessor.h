@@ -83,7 +83,11 @@ class MoAccessor : public Transaction {
         MoAttributeValueResult& operator=(const MoAttributeValueResult&) = delete;
         virtual ~MoAttributeValueResult() {
             if (release != nullptr && container != nullptr) {
-                release(container);
+                try {
+                    release(container);
+                } catch (...) {
+                    // A service that throws must not end the process.
+                }
             }
         }
 

@@ -26,8 +26,8 @@ class ExtCmInterceptorRepository {
     /// from now on. 0, or -1 when the class has one already.
     KelReturnT registerClass(MoInterceptorBase& interceptor, const std::string& classPath);
 
-    /// Returns when the requests in flight have ended; none comes after that. Not from inside a request. Does
-    /// nothing for a class without interceptor.
+    /// Returns when the requests in flight have ended; none comes after that. By the interceptor's owner, and
+    /// not from inside a request. Does nothing for a class without interceptor.
     void deregisterClass(const std::string& classPath);
 
     /// The interceptor of the class for one request, which is in flight for as long as the pointer is held;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "Singleton.h"
@@ -13,9 +14,12 @@ namespace Vor {
 template <class ComponentT>
 class KelComponent : public Singleton<ComponentT> {
   public:
-    /// Registers the component and initialises it. 0 on success, -1 when the accessor has no version-3
-    /// portal, else the code of the registration or of `initialize`.
+    /// Registers the component and initialises it. 0 on success, -1 without an accessor or when it has no
+    /// version-3 portal, else the code of the registration or of `initialize`.
     KelReturnT lcmInit(KelMgmtSpiPortalAccessor* accessor, const char* configPath) {
+        if (accessor == nullptr) {
+            return VorReturnFailed;
+        }
         portalAccessor = accessor;
         portalV3 = static_cast<KelMgmtSpiInterfacePortal_3*>(accessor->getPortal("3"));
         portalV1 = static_cast<VorMgmtSpiInterfacePortal_1*>(accessor->getPortal("1"));
@@ -32,9 +36,8 @@ class KelComponent : public Singleton<ComponentT> {
     /// Terminates the component and unregisters it.
     void lcmTerminate() {
         self().terminate();
-        if (portalV3 != nullptr) {
-            portalV3->unregisterComponent(&registration);
-            portalV3 = nullptr;
+        if (KelMgmtSpiInterfacePortal_3* portal = std::exchange(portalV3, nullptr)) {
+            portal->unregisterComponent(&registration);
         }
     }
 

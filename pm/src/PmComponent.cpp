@@ -114,8 +114,8 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
     LOG_TRACE(" >> Reason: %d", reason);
     LOG_TRACE("Starting Pm Component");
     try {
-        if (dataCollector != nullptr) {
-            cleanup();
+        if (dataCollector != nullptr && cleanup() == VorReturnFailed) {
+            throw StartRefused("");
         }
         interceptor.deregisterInterceptor();
         if (connectDataCollector() == VorReturnAbsent) {
@@ -179,9 +179,10 @@ KelReturnT VorPmComponent::connectDataCollector() {
 
 KelReturnT VorPmComponent::initializeReportPathForNBI() {
     LOG_TRACE(" >> ");
+    const bool relative = isFileMPresent();
     KelReturnT result = VorReturnFailed;
     try {
-        if (isFileMPresent()) {
+        if (relative) {
             LOG_TRACE("FileM is alive sets fileGroup to: %s", getReportSymlinkLocation().c_str());
             result = dataCollector->setReportFolderPathRelative();
         } else {

@@ -39,7 +39,7 @@ class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
 
     /// A capability that is announced at start.
     struct Capability {
-        /// 0, or the write's failure.
+        /// 0, or the write's failure. Throws when the setting that is written cannot be read.
         KelReturnT (VorPmComponent::*announce)();
         /// The message when the model has no such attribute; null when it must have it.
         const char* absent;
@@ -61,10 +61,11 @@ class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
     void prepareReportStorage();
     void startTaskManager();
 
+    /// Outlives the task manager, which uses it.
+    std::unique_ptr<PmDataCollector> dataCollector;
     std::unique_ptr<PmTaskManager> taskManager;
     Poco::Thread taskManagerThread;
     bool taskManagerThreadStarted = false;
-    std::unique_ptr<PmDataCollector> dataCollector;
     PmConfigHandler configHandler;
     PmInterceptor interceptor;
 };

@@ -71,6 +71,8 @@ KelReturnT PmInterceptor::getPmMeasCapsDn() {
 void PmInterceptor::deregisterInterceptor() {
     if (_interceptorRepository != nullptr) {
         _interceptorRepository->deregisterClass(pmMeasCapsClassPath);
+        // Somebody else may register from now on.
+        _interceptorRepository = nullptr;
     }
 }
 
@@ -79,7 +81,7 @@ KelReturnT PmInterceptor::getMoAttribute(unsigned long txHandle, const char* dn,
     LOG_TRACE(" >> ");
     KelReturnT code = VorReturnFailed;
     try {
-        code = isNamed(attributeName, supportedRopPeriodsAttr) && jobGpsAreRestricted()
+        code = result != nullptr && isNamed(attributeName, supportedRopPeriodsAttr) && jobGpsAreRestricted()
                    ? getCommonPeriods(txHandle, dn, *result)
                    : MoInterceptorBase::getMoAttribute(txHandle, dn, attributeName, result);
     } catch (...) {
@@ -92,6 +94,7 @@ KelReturnT PmInterceptor::getMoAttribute(unsigned long txHandle, const char* dn,
 /// What the client gets is the container of the restricted periods, with the common ones in it.
 KelReturnT PmInterceptor::getCommonPeriods(unsigned long txHandle, const char* dn,
                                            VorMoAttributeValueResult_3& result) {
+    result = {};
     Vor::MoAccessor::MoAttributeValueResult jobGps;
     const KelReturnT code = MoInterceptorBase::getMoAttribute(txHandle, dn, supportedMeasJobGpsAttr, &jobGps);
     if (code != VorReturnOk) {

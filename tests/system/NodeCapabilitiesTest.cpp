@@ -77,6 +77,7 @@ TEST(NodeCapabilities, AreAnnouncedInOrderUntilOneFails) {
         useAllFeatures(node);
         TestNode::edit(node.modelFile(), "<Attribute name=\"" + row[0] + "\" type=[^>]*>",
                        row[1] == "lacks" ? "" : "<Attribute name=\"" + row[0] + "\" type=\"struct\"/>");
+        // Its value would not fit another definition.
         TestNode::edit(node.modelFile(), "<Attribute name=\"fileGroup\"><Value>.*", "");
         if (row[4] != "none") {
             node.start(counters);

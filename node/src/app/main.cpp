@@ -84,11 +84,15 @@ void runUntilEnd(const RunOptions& options, Node& node, RunStatus& status,
 ExitStatus measure(const RunOptions& options, Node& node, RunStatus& status,
                    const EndingSignals& endingSignals) {
     node.start();
-    try {
-        runUntilEnd(options, node, status, endingSignals);
-    } catch (const std::exception& fault) {
-        status.complain(describe(fault));
-    }
+    const auto complainOfFaults = [&status](auto&& step) {
+        try {
+            step();
+        } catch (const std::exception& fault) {
+            status.complain(describe(fault));
+        }
+    };
+    complainOfFaults([&] { runUntilEnd(options, node, status, endingSignals); });
+    complainOfFaults([&] { node.stop(); });
     const bool good = status.checkEnd(node);
     status.showEnd(node);
     return good ? allPublished : failedRunning;

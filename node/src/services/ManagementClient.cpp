@@ -37,6 +37,10 @@ std::vector<ObjectReading> ManagementClient::readObjectsOf(const std::string& cl
 }
 
 AttributeValues ManagementClient::request(const std::string& dn, const std::string& attribute) const {
+    const AttributeDefinition* definition = _model.findAttribute(dn, attribute);
+    if (definition == nullptr) {
+        throw Refusal{VorReturnAbsent};
+    }
     constexpr VorLockPolicyT lockPolicy = 1;
     constexpr int timeout = 60;
     const Vor::Transaction transaction(_transactions.table(), lockPolicy, timeout);
@@ -51,8 +55,7 @@ AttributeValues ManagementClient::request(const std::string& dn, const std::stri
     if (code != VorReturnOk) {
         throw Refusal{code};
     }
-    return result.container != nullptr ? copyValues(*_model.findAttribute(dn, attribute), *result.container)
-                                       : AttributeValues{};
+    return result.container != nullptr ? copyValues(*definition, *result.container) : AttributeValues{};
 }
 
 }  // namespace VorNode

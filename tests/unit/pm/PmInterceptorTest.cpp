@@ -21,6 +21,10 @@ Texts words(const std::string& text) {
     return {tokens.begin(), tokens.end()};
 }
 
+void throwAtRelease(VorMoAttributeValueContainer_3* /*container*/) {
+    throw 1;
+}
+
 void setModel(const PmEngine& engine, const std::string& jobGps, const std::string& periods) {
     const auto numbers = [](const std::string& text) {
         AttributeValues values;
@@ -91,6 +95,10 @@ TEST(PmInterceptor, PassesFailuresOnAndTakesOddAnswers) {
          },
          "none", "none/none"},
         {refuse, [](auto, auto, auto, auto*) { return 0; }, "result 9", "none/none"},
+        {[](auto, auto, auto, auto* result) {
+             return *result = {&throwAtRelease, &hollow}, 0;
+         },
+         raw, "none", "/7"},
     };
     PmEngine engine;
     setModel(engine, "3", "4 5");
@@ -116,6 +124,7 @@ TEST(PmInterceptor, IsAskedFromItsRegistrationToItsDeregistration) {
     PmInterceptor interceptor, other;
     VorMoAttributeValueResult_3 result{};
     EXPECT_EQ(interceptor.getMoAttribute(1, "", "x", &result), -1);
+    EXPECT_EQ(interceptor.getMoAttribute(1, "", "supportedRopPeriods", nullptr), -1);
     interceptor.deregisterInterceptor();
     EXPECT_EQ(interceptor.init(), -1);
     EXPECT_EQ(other.init(), -1) << "one for a class";
@@ -130,6 +139,7 @@ TEST(PmInterceptor, IsAskedFromItsRegistrationToItsDeregistration) {
               (Texts{"3 getPmMeasCapsDn Unable to get PmMeasurementCapabilities instance"}));
 
     static std::atomic<bool> began, ended;
+    began = ended = false;
     engine.objectTable.getMoAttribute = [](auto, auto, auto, auto) {
         began = true;
         const auto& repository = VorExtCmRouterService::ExtCmInterceptorRepository::instance();
