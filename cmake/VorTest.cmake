@@ -1,6 +1,6 @@
 include(GoogleTest)
 
-# add_vor_test(NAME LABEL unit|system SOURCES file... LIBRARIES target...)
+# add_vor_test(NAME LABEL unit|system|slow SOURCES file... LIBRARIES target...)
 #
 # Every test case runs in a process of its own: locations, singletons and the wall clock are process-wide.
 function(add_vor_test name)
@@ -10,5 +10,9 @@ function(add_vor_test name)
     target_compile_definitions(${name} PRIVATE VOR_GOLDEN_FOLDER="${PROJECT_SOURCE_DIR}/tests/golden")
     # The tests' wall clock has to be found by the loaded library, too.
     set_target_properties(${name} PROPERTIES ENABLE_EXPORTS ON)
-    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${ARG_LABEL} TIMEOUT 120)
+    set(timeout 120)
+    if(ARG_LABEL STREQUAL slow)
+        set(timeout 1800)
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 PROPERTIES LABELS ${ARG_LABEL} TIMEOUT ${timeout})
 endfunction()

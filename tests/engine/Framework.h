@@ -35,11 +35,13 @@ struct Framework {
         return portals.find(version) != std::string::npos ? portal : nullptr;
     }};
 
-    /// Loads the component with that length of its phases.
-    static KelReturnT initialize(const PmEngine& engine, const std::string& timer = "50") {
+    /// Loads the component with that length of its phases and number of reports kept.
+    static KelReturnT initialize(const PmEngine& engine, const std::string& timer = "50",
+                                 const std::string& kept = "1000") {
         const std::string path = engine.root.path() / "component.xml";
-        writeFile(path,
-                  "<VorPmComp><pmTimerExpirationTime>" + timer + "</pmTimerExpirationTime></VorPmComp>");
+        writeFile(path, "<VorPmComp><pmTimerExpirationTime>" + timer +
+                            "</pmTimerExpirationTime><maxNoOfPmFiles>" + kept +
+                            "</maxNoOfPmFiles></VorPmComp>");
         return kelLCMinit(&accessor, path.c_str());
     }
     static KelReturnT start() { return registered->start(1); }

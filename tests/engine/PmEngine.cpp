@@ -82,9 +82,7 @@ PmEngine::~PmEngine() {
         stop();
     EXPECT_TRUE(tasks == nullptr || announced > 0) << "a test without a GP";
     tasks.reset();
-    for (const std::uint64_t id : taken)
-        EXPECT_EQ(count("releaseGp1 " + std::to_string(id)) + count("releaseGp2 " + std::to_string(id)), 1)
-            << id;
+    expectReleases();
     Vor::Portal::instance().connect(nullptr);
 }
 
@@ -160,10 +158,23 @@ std::string PmEngine::read(const Texts& attributes, const std::string& dn) const
 }
 
 void PmEngine::await(const std::string& what, int times) {
+    awaitUnlessEnded(what, times);
+    if (count(what) < times)
+        throw std::runtime_error("did not happen: " + what);
+}
+
+void PmEngine::awaitUnlessEnded(const std::string& what, int times) {
     std::unique_lock lock(mutex);
     const std::chrono::milliseconds limit(deadline);
-    if (!hasHappened.wait_for(lock, limit, [&] { return happenings[what] >= times; }))
+    if (!hasHappened.wait_for(lock, limit,
+                              [&] { return happenings[what] >= times || happenings[workerEnded] > 0; }))
         throw std::runtime_error("did not happen: " + what);
+}
+
+void PmEngine::expectReleases() {
+    for (const std::uint64_t id : taken)
+        EXPECT_EQ(count("releaseGp1 " + std::to_string(id)) + count("releaseGp2 " + std::to_string(id)), 1)
+            << id;
 }
 
 int PmEngine::count(const std::string& what) {

@@ -30,6 +30,7 @@ namespace VorTest {
 /// 2026-03-05T13:15:00Z in s since the Unix epoch.
 inline constexpr std::int64_t minute = 1'772'716'500;
 inline constexpr long deadline = 60'000;
+inline constexpr char workerEnded[] = "run Unexpected exception is received, PM service is stopped";
 
 inline const std::string elementDn = "ManagedElement=1", pmRootDn = elementDn + ",SystemFunctions=1,Pm=1",
                          inventoryDn = elementDn + ",SystemFunctions=1,SwInventory=1",
@@ -57,6 +58,9 @@ struct PmEngine {
     /// like.
     void await(const std::string& what, int times = 1);
     int count(const std::string& what);
+    /// The same; a worker that has ended is not waited for.
+    void awaitUnlessEnded(const std::string& what, int times = 1);
+    void expectReleases();
     void happened(const std::string& what);
     /// "level operation text" of the messages since the last call.
     Texts messages();
