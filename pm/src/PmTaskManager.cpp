@@ -18,6 +18,9 @@ namespace {
 
 constexpr std::uint64_t nanosecondsPerSecond = 1'000'000'000;
 constexpr long millisecondsPerSecond = 1'000;
+/// Timers fire up to a millisecond early. A phase must not end before its second does, or an event could open
+/// another one, whose report would replace the first one's.
+constexpr long timerSlackMilliseconds = 2;
 
 constexpr int minTimerSeconds = 1;
 constexpr int maxTimerSeconds = 50;
@@ -128,7 +131,7 @@ void PmTaskManager::openPhase(int remainingSeconds) {
     ++_phase;
     _timerExpired = 0;
     _timer.stop();
-    _timer.setStartInterval(remainingSeconds * millisecondsPerSecond);
+    _timer.setStartInterval(remainingSeconds * millisecondsPerSecond + timerSlackMilliseconds);
     _timer.start(Poco::TimerCallback<PmTaskManager>(*this, &PmTaskManager::onTimer), _threadPool);
 }
 
