@@ -19,7 +19,8 @@ class VorConfiguration {
     VorConfiguration& operator=(const VorConfiguration&) = delete;
 
     /// Parses the file, in place of what was loaded before. Throws `VorException` naming the file when it
-    /// cannot be read or is not well-formed; nothing is loaded then. External entities are not fetched.
+    /// cannot be read, is not well-formed or nests elements more than 100 deep; nothing is loaded then.
+    /// External entities are not fetched.
     void load(const std::string& path);
     void unload();
 

@@ -1,14 +1,45 @@
 #include "VorConfiguration.h"
 
-#include <Poco/DOM/DOMParser.h>
+#include <Poco/DOM/DOMBuilder.h>
 #include <Poco/Exception.h>
 #include <Poco/FileStream.h>
 #include <Poco/SAX/InputSource.h>
-#include <Poco/SAX/XMLReader.h>
+#include <Poco/SAX/SAXException.h>
+#include <Poco/SAX/SAXParser.h>
+#include <Poco/SAX/XMLFilterImpl.h>
 
 #include "VorException.h"
 
 namespace Vor {
+
+namespace {
+
+/// Lets a document pass unless its elements are nested very deep: whatever walks through the document needs
+/// stack for its depth.
+class DepthLimit : public Poco::XML::XMLFilterImpl {
+  public:
+    using XMLFilterImpl::XMLFilterImpl;
+
+    void startElement(const Poco::XML::XMLString& uri, const Poco::XML::XMLString& localName,
+                      const Poco::XML::XMLString& name, const Poco::XML::Attributes& attributes) override {
+        if (++_depth > deepest) {
+            throw Poco::XML::SAXException("Elements are nested more than 100 deep");
+        }
+        XMLFilterImpl::startElement(uri, localName, name, attributes);
+    }
+
+    void endElement(const Poco::XML::XMLString& uri, const Poco::XML::XMLString& localName,
+                    const Poco::XML::XMLString& name) override {
+        --_depth;
+        XMLFilterImpl::endElement(uri, localName, name);
+    }
+
+  private:
+    static constexpr int deepest = 100;
+    int _depth = 0;
+};
+
+}  // namespace
 
 void VorConfiguration::load(const std::string& path) {
     unload();
@@ -16,10 +47,11 @@ void VorConfiguration::load(const std::string& path) {
         Poco::FileInputStream file(path);
         Poco::XML::InputSource source(file);
         source.setSystemId(path);
-        Poco::XML::DOMParser parser;
+        Poco::XML::SAXParser parser;
         parser.setFeature(Poco::XML::XMLReader::FEATURE_EXTERNAL_GENERAL_ENTITIES, false);
         parser.setFeature(Poco::XML::XMLReader::FEATURE_EXTERNAL_PARAMETER_ENTITIES, false);
-        _document = parser.parse(&source);
+        DepthLimit limited(&parser);
+        _document = Poco::XML::DOMBuilder(limited).parse(&source);
     } catch (const Poco::Exception& fault) {
         throw VorException("%s: %s", path.c_str(), fault.displayText().c_str());
     }

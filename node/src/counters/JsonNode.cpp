@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <limits>
+#include <set>
 #include <sstream>
 #include <string_view>
 
@@ -48,12 +49,50 @@ bool holdsNul(const std::string& text) {
     return text.find('\0') != std::string::npos;
 }
 
+/// Whether XML has all the characters of the UTF-8 text; line breaks and tabs, which would not stay what they
+/// are, do not count.
+bool fitsXml(const std::string& text) {
+    constexpr unsigned char blank = 0x20;
+    return std::none_of(text.begin(), text.end(),
+                        [](char c) { return static_cast<unsigned char>(c) < blank; }) &&
+           text.find("\uFFFE") == std::string::npos && text.find("\uFFFF") == std::string::npos;
+}
+
+/// Sees the parser's events, and whether a key is given twice in an object: all but its last value would be
+/// lost.
+class KeyWatch {
+  public:
+    bool isRepeated(json::parse_event_t event, const json& parsed) {
+        if (event == json::parse_event_t::object_start) {
+            _open.emplace_back();
+        } else if (event == json::parse_event_t::object_end) {
+            _open.pop_back();
+        }
+        return event == json::parse_event_t::key && !_open.back().insert(parsed.get<std::string>()).second;
+    }
+
+  private:
+    /// The keys so far of the objects that are being read, from the outermost in.
+    std::vector<std::set<std::string>> _open;
+};
+
 }  // namespace
 
 json loadJson(const std::filesystem::path& file) {
     const std::string text = readText(file);
+    // A stream tells how far the parser has come.
+    std::istringstream stream(text);
+    KeyWatch keys;
+    const auto watch = [&](int, json::parse_event_t event, const json& parsed) {
+        if (keys.isRepeated(event, parsed)) {
+            throw InputError(
+                file.string(), lineOf(text, static_cast<std::size_t>(stream.tellg())),
+                "the key " + parsed.dump() + " is given twice in an object; remove one of the two");
+        }
+        return true;
+    };
     try {
-        return json::parse(text);
+        return json::parse(stream, watch);
     } catch (const json::parse_error& error) {
         throw InputError(file.string(), lineOf(text, error.byte), "is not JSON: " + reasonOf(error));
     } catch (const json::exception& error) {
@@ -115,8 +154,8 @@ std::vector<JsonNode> JsonNode::elements() const {
 std::string JsonNode::text() const {
     expect(_value.is_string(), "a text in quotes");
     const auto& text = _value.get_ref<const std::string&>();
-    if (holdsNul(text)) {
-        fail("holds a NUL character; remove it");
+    if (!fitsXml(text)) {
+        fail("holds a NUL, another control character or a non-character; remove it");
     }
     return text;
 }

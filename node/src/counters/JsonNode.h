@@ -12,7 +12,8 @@
 
 namespace VorNode {
 
-/// The document in `file`. Throws `InputError` when it cannot be read or is not JSON.
+/// The document in `file`. Throws `InputError` when it cannot be read, is not JSON or has a key twice in an
+/// object.
 nlohmann::json loadJson(const std::filesystem::path& file);
 
 /// A value in a JSON document and the path to it. Belongs to the code that reads the document, which must
@@ -40,7 +41,7 @@ class JsonNode {
     /// The elements of this array.
     std::vector<JsonNode> elements() const;
 
-    /// A text without NUL characters.
+    /// A text in one line that XML can hold, escaped.
     std::string text() const;
 
     std::int64_t integer() const;

@@ -1,6 +1,10 @@
 #include "counters/RecordedCounters.h"
 
+#include <algorithm>
+#include <string_view>
 #include <utility>
+
+#include <Poco/Ascii.h>
 
 #include "counters/JsonNode.h"
 
@@ -67,10 +71,37 @@ MeasuredValue readValue(const JsonNode& node) {
     return values.front();
 }
 
+/// An XML name of ASCII characters.
+bool isTypeName(std::string_view text) {
+    constexpr std::string_view notFirst = "0123456789-.";
+    constexpr std::string_view marks = "_:-.";
+    return !text.empty() && notFirst.find(text.front()) == notFirst.npos &&
+           std::all_of(text.begin(), text.end(),
+                       [&](char c) { return Poco::Ascii::isAlphaNumeric(c) || marks.find(c) != marks.npos; });
+}
+
+std::string readType(const JsonNode& node) {
+    std::string type = node.text();
+    if (!isTypeName(type)) {
+        node.fail(
+            "is no XML name; write letters, digits, '_', ':', '-' and '.', with no digit, '-' or '.' first");
+    }
+    return type;
+}
+
+/// A report holds the name as it is.
+std::string readClassName(const JsonNode& node) {
+    std::string name = node.text();
+    if (name.find_first_of("<&\"") != std::string::npos) {
+        node.fail(R"(holds a '<', '&' or '"'; remove it)");
+    }
+    return name;
+}
+
 Measurement readMeasurement(const JsonNode& node) {
     node.expectKeys({"type", "int", "float", "ints", "floats", "nil", "suspect"});
     const auto suspect = node.find("suspect");
-    return {node.at("type").text(), readValue(node), suspect && suspect->boolean()};
+    return {readType(node.at("type")), readValue(node), suspect && suspect->boolean()};
 }
 
 MeasuredObject readObject(const JsonNode& node) {
@@ -86,7 +117,7 @@ MeasuredClass readClass(const JsonNode& node) {
     node.expectKeys({"name", "objects"});
     MeasuredClass measured;
     if (const auto name = node.find("name")) {
-        measured.name = name->text();
+        measured.name = readClassName(*name);
     }
     for (const JsonNode& object : node.at("objects").elements()) {
         measured.objects.push_back(readObject(object));

@@ -22,7 +22,8 @@ namespace VorNode {
 ///         {"type": "a", "int": 5}, {"type": "b", "ints": [1, 2], "suspect": true},
 ///         {"type": "c", "nil": true}]}]}]}}}
 ///
-/// "name" and "suspect" may be left out.
+/// "name" and "suspect" may be left out. Types and names have to fit into a report: a type is an XML name, a
+/// class's name holds no '<', '&' or '"', and no text a control character.
 class RecordedCounters final : public MeasurementProducer {
   public:
     /// Reads `file`. Throws `InputError` when it cannot be used, naming the line or the JSON path at fault.

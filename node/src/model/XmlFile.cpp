@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -23,12 +24,19 @@ namespace {
 /// Builds the tree while the parser walks through the file.
 class TreeBuilder : public Poco::XML::DefaultHandler {
   public:
+    explicit TreeBuilder(const std::string& path) : _path(path) {}
+
     XmlElement takeRoot() { return std::move(_root); }
 
     void setDocumentLocator(const Poco::XML::Locator* locator) override { _locator = locator; }
 
     void startElement(const Poco::XML::XMLString&, const Poco::XML::XMLString&,
                       const Poco::XML::XMLString& name, const Poco::XML::Attributes& attributes) override {
+        if (_open.size() == deepest) {
+            throw InputError(
+                _path, _locator->getLineNumber(),
+                "elements are nested more than " + std::to_string(deepest) + " deep; correct the file there");
+        }
         XmlElement element;
         element.name = name;
         element.line = _locator->getLineNumber();
@@ -55,6 +63,10 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
     }
 
   private:
+    /// Far more than any file needs. What walks through a tree needs stack for its depth.
+    static constexpr std::size_t deepest = 100;
+
+    const std::string& _path;
     const Poco::XML::Locator* _locator = nullptr;
     /// From the root down to the element that is being read.
     std::vector<XmlElement> _open;
@@ -79,7 +91,7 @@ XmlElement parse(const std::string& path) {
     std::ifstream file = openFile(path);
     Poco::XML::InputSource source(file);
     Poco::XML::SAXParser parser;
-    TreeBuilder builder;
+    TreeBuilder builder(path);
     // Names are taken as they are written: a declaration of a name space is an unknown attribute like any
     // other.
     parser.setFeature(XMLReader::FEATURE_NAMESPACES, false);

@@ -23,7 +23,8 @@ struct XmlElement {
 /// `InputError` that names the file and the element's line.
 class XmlFile {
   public:
-    /// Refuses a file that cannot be read or is not well-formed. External entities are not fetched.
+    /// Refuses a file that cannot be read, is not well-formed or nests elements more than 100 deep. External
+    /// entities are not fetched.
     explicit XmlFile(const std::string& path);
 
     const XmlElement& root() const { return _root; }
