@@ -5,3 +5,8 @@ if(VOR_SANITIZER)
     add_compile_options($<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     add_link_options(-fsanitize=${VOR_SANITIZER})
 endif()
+
+# libFuzzer is told which ways the code took.
+if(VOR_BUILD_FUZZERS)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
