@@ -11,7 +11,6 @@
 #include <Poco/FileStream.h>
 #include <Poco/InflatingStream.h>
 #include <Poco/StreamCopier.h>
-#include <gtest/gtest.h>
 
 #include "TemporaryRoot.h"
 
@@ -76,16 +75,6 @@ std::string readReport(const std::filesystem::path& path) {
     std::string text;
     Poco::StreamCopier::copyToString(unpacked, text);
     return text;
-}
-
-int checkReports(const std::filesystem::path& folder) {
-    int whole = 0;
-    for (const std::string& name : TemporaryRoot::filesIn(folder)) {
-        const std::string fault = faultIn(readReport(folder / name));
-        EXPECT_EQ(fault, "") << name;
-        whole += fault.empty() ? 1 : 0;
-    }
-    return whole;
 }
 
 }  // namespace VorTest

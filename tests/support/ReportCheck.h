@@ -12,7 +12,4 @@ std::string faultIn(const std::string& report);
 /// The text of a report file; unpacked when its name ends in ".gz".
 std::string readReport(const std::filesystem::path& path);
 
-/// Whole documents in the folder; fails the test for every file that is none.
-int checkReports(const std::filesystem::path& folder);
-
 }  // namespace VorTest

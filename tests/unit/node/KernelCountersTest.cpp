@@ -1,23 +1,24 @@
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <sstream>
 
 #include <Poco/TemporaryFile.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+#include "Golden.h"
 #include "InputError.h"
-#include "TemporaryRoot.h"
 #include "counters/KernelCounters.h"
 
 namespace VorNode {
 namespace {
 
+namespace fs = std::filesystem;
+
 /// The texts of a golden file by the headings of its sections, such as "begin proc/stat" and "expect first".
 using Sections = std::map<std::string, std::string>;
 
 Sections readSections(const std::string& name) {
-    std::ifstream file(std::filesystem::path(VOR_GOLDEN_FOLDER) / "kernel" / (name + ".txt"));
+    std::istringstream file(VorTest::golden("kernel/" + name + ".txt"));
     Sections sections;
     std::string* text = nullptr;
     for (std::string line; std::getline(file, line);)
@@ -28,94 +29,69 @@ Sections readSections(const std::string& name) {
     return sections;
 }
 
-/// Prepared proc and sys folders, removed again at the end.
-struct Machine {
-    void write(const std::string& name, const std::string& text) const {
-        std::filesystem::create_directories((root / name).parent_path());
-        VorTest::writeFile(root / name, text);
-    }
-    /// Writes the files of a moment: begin, first or second.
-    void show(const Sections& sections, const std::string& moment) const {
-        for (const auto& [heading, text] : sections)
-            if (heading.starts_with(moment + " "))
-                write(heading.substr(moment.size() + 1), text);
-    }
-    std::unique_ptr<JobMeasurement> startJob(const std::vector<std::string>& classes) const {
-        return KernelCounters(root / "proc", root / "sys").startJob("J1", classes);
-    }
-
-    const Poco::TemporaryFile folder;
-    const std::filesystem::path root = folder.path();
-};
-
 /// A line for each object: its ldn and values, with f after a float and ! after a suspect value. A line of
 /// the types goes before the first object and each whose types differ from those of the one before.
-std::string print(const MeasurementData& data) {
-    std::ostringstream out;
-    const auto printValue = [&out](const auto& value) {
+std::string print(const MeasuredClass& measured) {
+    const auto textOf = [](const auto& value) {
         using ValueT = std::decay_t<decltype(value)>;
-        if constexpr (std::is_same_v<ValueT, Nil>)
-            out << " nil";
-        else
-            out << " " << testing::PrintToString(value) << (std::is_same_v<ValueT, double> ? "f" : "");
+        const char* const mark = std::is_same_v<ValueT, double> ? "f" : "";
+        return std::is_same_v<ValueT, Nil> ? " nil" : " " + testing::PrintToString(value) + mark;
     };
-    std::string printed;
-    for (const MeasuredObject& object : data.at(0).objects) {
-        std::string types;
-        for (const Measurement& value : object.values)
-            types += (types.empty() ? "" : " ") + value.type;
-        if (types != printed)
-            out << (printed = types) << "\n";
-        out << object.ldn;
+    std::string text, printed;
+    for (const MeasuredObject& object : measured.objects) {
+        std::string types, line = object.ldn;
         for (const Measurement& value : object.values) {
-            std::visit(printValue, value.value);
-            out << (value.suspect ? "!" : "");
+            types += (types.empty() ? "" : " ") + value.type;
+            line += std::visit(textOf, value.value) + (value.suspect ? "!" : "");
         }
-        out << "\n";
+        text += (types != printed ? types + "\n" : "") + line + "\n";
+        printed = types;
     }
-    return out.str();
+    return text;
 }
 
-TEST(KernelCounters, measuresEachClassOverTwoPeriods) {
-    for (const char* name :
-         {"Processor", "Memory", "NetworkInterface", "Disk", "Load", "Pressure", "Softirqs"}) {
-        const Sections sections = readSections(name);
-        const Machine machine;
-        machine.show(sections, "begin");
-        const auto job = machine.startJob({name});
-        job->begin();
-        for (const std::string moment : {"first", "second"}) {
-            machine.show(sections, moment);
-            EXPECT_EQ(print(job->cut(Coverage::Whole)), sections.at("expect " + moment));
-        }
-    }
-}
-
-TEST(KernelCounters, suspectsEveryValueOfAPartialPeriodOnly) {
-    const Machine machine;
-    machine.write("proc/loadavg", "1 2 3 4/5 6\n");
-    const auto job = machine.startJob({"Load"});
-    const std::string types = "average1 average5 average15 runnable entities\n";
-    EXPECT_EQ(print(job->cut(Coverage::Partial)), types + "Load=1 1f! 2f! 3f! 4! 5!\n");
-    EXPECT_EQ(print(job->cut(Coverage::Whole)), types + "Load=1 1f 2f 3f 4 5\n");
-}
-
-TEST(KernelCounters, deliversTheClassesAskedForInTheirOrder) {
-    const Machine machine;
-    machine.write("proc/stat/aFolder", "");
-    std::string found;
-    const auto job = machine.startJob({"Softirqs", "Disk", "Pressure", "Processor", "NetworkInterface"});
+TEST(KernelCounters, measureTheClassesAskedForInTheirOrder) {
+    const std::vector<std::string> classes{"Softirqs",         "Disk", "Pressure", "Processor",
+                                           "NetworkInterface", "Load", "Memory"};
+    const Poco::TemporaryFile folder;
+    const fs::path root = folder.path();
+    // Of a file that is none, or not there, there is nothing to tell.
+    fs::create_directories(root / "proc/stat");
+    KernelCounters counters(root / "proc", root / "sys");
+    const auto job = counters.startJob("J1", classes);
+    std::string objects;
     for (const MeasuredClass& measured : job->cut(Coverage::Whole))
-        found += *measured.name + " " + std::to_string(measured.objects.size()) + ", ";
-    EXPECT_EQ(found, "Softirqs 0, Disk 0, Pressure 3, Processor 0, NetworkInterface 0, ");
-    try {
-        machine.startJob({"Load", "Weather"});
-        FAIL() << "accepted";
-    } catch (const InputError& error) {
-        EXPECT_STREQ(error.what(),
-                     "job J1: no measurement class is named \"Weather\"; use some of Processor, Memory, "
-                     "NetworkInterface, Disk, Load, Pressure, Softirqs");
+        objects += *measured.name + " " + std::to_string(measured.objects.size()) + " ";
+    EXPECT_EQ(objects, "Softirqs 0 Disk 0 Pressure 3 Processor 0 NetworkInterface 0 Load 0 Memory 0 ");
+    fs::remove(root / "proc/stat");
+
+    for (const std::string moment : {"begin", "first", "second"}) {
+        for (const std::string& name : classes)
+            for (const auto& [heading, text] : readSections(name))
+                if (const auto file = root / heading.substr(heading.find(' ') + 1);
+                    heading.starts_with(moment)) {
+                    fs::create_directories(file.parent_path());
+                    VorTest::writeFile(file, text);
+                }
+        if (moment == "begin") {
+            job->begin();
+            continue;
+        }
+        const MeasurementData data = job->cut(Coverage::Whole);
+        for (std::size_t i = 0; i < classes.size(); ++i)
+            EXPECT_EQ(print(data.at(i)), readSections(classes[i]).at("expect " + moment));
     }
+    for (const MeasuredClass& measured : job->cut(Coverage::Partial))
+        for (const MeasuredObject& object : measured.objects)
+            for (const Measurement& value : object.values)
+                EXPECT_TRUE(value.suspect) << object.ldn << " " << value.type;
+    EXPECT_THAT(
+        [&] {
+            counters.startJob("J1", {"Load", "Weather"});
+        },
+        testing::ThrowsMessage<InputError>(
+            "job J1: no measurement class is named \"Weather\"; use some of Processor, Memory, "
+            "NetworkInterface, Disk, Load, Pressure, Softirqs"));
 }
 
 }  // namespace

@@ -21,8 +21,30 @@ Texts words(const std::string& text) {
     return {tokens.begin(), tokens.end()};
 }
 
-void throwAtRelease(VorMoAttributeValueContainer_3* /*container*/) {
-    throw 1;
+/// Answers of the objects, for one attribute and for several: the word says what they are, or is a result
+/// code.
+std::string one, several;
+VorMoAttributeValueContainer_3 hollow, *hollows[2]{&hollow, &hollow}, *none[2]{};
+
+KelReturnT answer(unsigned long /*txHandle*/, const char* /*dn*/, const char* /*name*/,
+                  VorMoAttributeValueResult_3* result) {
+    if (one == "throws")
+        throw 1;
+    hollow = {VorMoTypeEnum, 2, nullptr};
+    if (one == "hollow")
+        *result = {nullptr, &hollow};
+    if (one == "unreleasable")
+        *result = {[](auto*) { throw 1; }, &hollow};
+    return std::atoi(one.c_str());
+}
+
+KelReturnT answerAll(unsigned long /*txHandle*/, const char* /*dn*/, const char** /*names*/,
+                     VorMoAttributeValuesResult_3* result) {
+    if (several == "throws")
+        throw 1;
+    if (several == "hollow" || several == "none")
+        *result = {nullptr, several == "hollow" ? hollows : none};
+    return std::atoi(several.c_str());
 }
 
 void setModel(const PmEngine& engine, const std::string& jobGps, const std::string& periods) {
@@ -65,55 +87,19 @@ TEST(PmInterceptor, LeavesAnswersAloneWhenTheModelCannotTell) {
 }
 
 TEST(PmInterceptor, PassesFailuresOnAndTakesOddAnswers) {
-    using Get = KelReturnT (*)(unsigned long, const char*, const char*, VorMoAttributeValueResult_3*);
-    using GetAll = KelReturnT (*)(unsigned long, const char*, const char**, VorMoAttributeValuesResult_3*);
-    static VorMoAttributeValueContainer_3 hollow, *hollows[2], *none[2]{};
-    struct Row {
-        Get get;
-        GetAll getAll;
-        const char* answer;
-        const char* answers;
-    };
-    const Get refuse = [](auto, auto, auto, auto) { return 9; };
-    const GetAll raw = nullptr;
-    const Row rows[]{
-        {refuse, [](auto, auto, auto, auto) { return 8; }, "result 9", "result 8"},
-        {[](auto, auto, auto, auto) -> int { throw 1; }, [](auto, auto, auto, auto) -> int { throw 1; },
-         "result -1", "result -1"},
-        {refuse, raw, "result 9", "4 5/7"},
-        {[](auto, auto, auto, auto) -> int { throw 1; }, raw, "result -1", "4 5/7"},
-        {[](auto, auto, auto, auto* result) {
-             return *result = {nullptr, &hollow}, 0;
-         },
-         [](auto, auto, auto, auto* result) {
-             return *result = {nullptr, hollows}, 0;
-         },
-         "none", "/"},
-        {[](auto, auto, auto, auto*) { return 0; },
-         [](auto, auto, auto, auto* result) {
-             return *result = {nullptr, none}, 0;
-         },
-         "none", "none/none"},
-        {refuse, [](auto, auto, auto, auto*) { return 0; }, "result 9", "none/none"},
-        {[](auto, auto, auto, auto* result) {
-             return *result = {&throwAtRelease, &hollow}, 0;
-         },
-         raw, "none", "/7"},
-    };
     PmEngine engine;
     setModel(engine, "3", "4 5");
     PmInterceptor interceptor;
     EXPECT_EQ(interceptor.init(), 0);
     EXPECT_EQ(engine.read(ropPeriods, "A=1"), "result -2");
     EXPECT_EQ(engine.read(both, "A=1"), "result -2");
-    const GetAll getAll = engine.objectTable.getMoAttributes;
-    for (const Row& row : rows) {
-        hollow = {VorMoTypeEnum, 2, nullptr};
-        hollows[0] = hollows[1] = &hollow;
-        engine.objectTable.getMoAttribute = row.get;
-        engine.objectTable.getMoAttributes = row.getAll != raw ? row.getAll : getAll;
-        EXPECT_EQ(engine.read(ropPeriods), row.answer);
-        EXPECT_EQ(engine.read(both), row.answers);
+    const auto getMoAttributes = engine.objectTable.getMoAttributes;
+    engine.objectTable.getMoAttribute = &answer;
+    for (const Texts& row : goldenTable("odd-answers.txt")) {
+        one = row[0], several = row[1];
+        engine.objectTable.getMoAttributes = several == "real" ? getMoAttributes : &answerAll;
+        EXPECT_EQ(engine.read(ropPeriods), row[2]) << one;
+        EXPECT_EQ(engine.read(both), row[3]) << one << several;
     }
     EXPECT_EQ(engine.messages(), Texts{});
     interceptor.deregisterInterceptor();
@@ -135,6 +121,8 @@ TEST(PmInterceptor, IsAskedFromItsRegistrationToItsDeregistration) {
     interceptor.deregisterInterceptor();
     engine.objectTable.newMoIterator = [](auto, auto, auto, auto) -> int { throw 1; };
     EXPECT_EQ(other.init(), -1);
+    interceptor.deregisterInterceptor();
+    EXPECT_EQ(interceptor.init(), -1) << "the other one is still there";
     EXPECT_EQ(engine.messages(),
               (Texts{"3 getPmMeasCapsDn Unable to get PmMeasurementCapabilities instance"}));
 
