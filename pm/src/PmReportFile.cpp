@@ -38,7 +38,7 @@ bool PmReportFile::open(const std::string& path) {
     return isOpen();
 }
 
-bool PmReportFile::write(std::string_view text) {
+bool PmReportFile::writeToStream(std::string_view text) {
     if (std::fwrite(text.data(), 1, text.size(), _file.get()) == text.size()) {
         return true;
     }
@@ -46,13 +46,37 @@ bool PmReportFile::write(std::string_view text) {
     return false;
 }
 
+bool PmReportFile::drain() {
+    const bool taken = writeToStream(_buffer->text());
+    _buffer->clear();
+    return taken;
+}
+
+/// For a text that does not fit: one that never would goes to the stream itself, and nothing of it is left.
+bool PmReportFile::makeRoom(std::string_view& text) {
+    if (!drain()) {
+        return false;
+    }
+    if (text.size() <= _buffer->room()) {
+        return true;
+    }
+    const bool taken = writeToStream(text);
+    text = {};
+    return taken;
+}
+
 bool PmReportFile::markGoodEnd() {
-    const long end = position();
+    const long end = std::ftell(_file.get());
     if (end < 0) {
         return false;
     }
     _goodEnds.push_back(end);
     return true;
+}
+
+void PmReportFile::abandon() {
+    _abandoned = true;
+    _buffer->clear();
 }
 
 bool PmReportFile::rewind() {
@@ -64,12 +88,13 @@ bool PmReportFile::rewind() {
             return false;
         }
     }
-    return ::ftruncate(::fileno(_file.get()), lastGoodPosition()) == 0;
+    _abandoned = ::ftruncate(::fileno(_file.get()), lastGoodPosition()) != 0;
+    return !_abandoned;
 }
 
 bool PmReportFile::finish() {
-    const bool flushed = std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
-                         sizeOnDisk(_file.get()) == position();
+    const bool flushed = drain() && std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
+                         sizeOnDisk(_file.get()) == std::ftell(_file.get());
     return std::fclose(_file.release()) == 0 && flushed;
 }
 

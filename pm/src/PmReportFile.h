@@ -4,15 +4,20 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
+
+#include "PmReportBuffer.h"
 
 namespace VorPm {
 
 /// The file of one report while it is written: knows where the last complete GP ends and goes back there.
 /// Owned by its report writer, used by the worker only. Failures are told by results; `errno` has the reason.
 ///
-/// A stream throws its buffer away when a flush fails, so GPs that were complete may be lost with it. The
-/// ends of all complete GPs are kept, and a failed write leaves those that the file really holds.
+/// The text of a GP is collected in the thread's buffer and goes to the stream in large pieces, all of it
+/// before the GP counts as complete. A stream throws its own buffer away when a flush fails, so GPs that were
+/// complete may be lost with it. The ends of all complete GPs are kept, and a failed write leaves those that
+/// the file really holds.
 class PmReportFile {
   public:
     /// Creates the file, or empties the one there. A link in its place is not followed, and a file that
@@ -20,14 +25,40 @@ class PmReportFile {
     bool open(const std::string& path);
     bool isOpen() const { return _file != nullptr; }
 
-    /// The stream's position, what it buffers included; -1 when it is not known.
-    long position() const { return std::ftell(_file.get()); }
+    /// Writing begins, on this thread, with a GP or the footer.
+    void begin() { _buffer = &PmReportBuffer::ofThisThread(); }
 
-    /// False when the stream refused the text.
-    bool write(std::string_view text);
+    /// False when the stream refused text.
+    bool write(std::string_view text) {
+        if (text.size() > _buffer->room() && !makeRoom(text)) {
+            return false;
+        }
+        _buffer->append(text);
+        return true;
+    }
+    template <class NumberT>
+    requires std::is_arithmetic_v<NumberT>
+    bool write(NumberT number) {
+        if (longestNumber > _buffer->room() && !drain()) {
+            return false;
+        }
+        _buffer->appendNumber(number);
+        return true;
+    }
 
-    /// Takes the position as the end of a complete GP; false when it is not known.
+    /// The piece that hands what is collected to the stream.
+    struct Flush {};
+    static constexpr Flush flush{};
+    bool write(Flush /*piece*/) { return drain(); }
+
+    /// Takes the end of what was handed over as the end of a complete GP; false when it is not known.
     bool markGoodEnd();
+
+    /// The GP that was being written has failed.
+    void abandon();
+
+    /// False when there is something behind the last complete GP.
+    bool isAtGoodEnd() const { return !_abandoned && std::ftell(_file.get()) == lastGoodPosition(); }
 
     /// The end of the last complete GP; 0 when there is none.
     long lastGoodPosition() const { return _goodEnds.empty() ? 0 : _goodEnds.back(); }
@@ -43,6 +74,9 @@ class PmReportFile {
     void close() { _file.reset(); }
 
   private:
+    bool drain();
+    bool makeRoom(std::string_view& text);
+    bool writeToStream(std::string_view text);
     void forgetLostEnds();
 
     struct Closer {
@@ -51,6 +85,10 @@ class PmReportFile {
 
     std::unique_ptr<std::FILE, Closer> _file;
     std::vector<long> _goodEnds;
+    /// Holds text from `begin` to the end of what was begun only.
+    PmReportBuffer* _buffer = nullptr;
+    /// Text of a failed GP was thrown away, or is in the file.
+    bool _abandoned = false;
 };
 
 }  // namespace VorPm

@@ -1,12 +1,13 @@
 #include "PmReportWriter.h"
 
 #include <cerrno>
+#include <cstring>
 #include <ios>
+#include <string_view>
 
 #include "PmLog.h"
 #include "PmPublishing.h"
 #include "PmReportNames.h"
-#include "PmReportNumbers.h"
 #include "PmStorage.h"
 #include "VorException.h"
 
@@ -65,6 +66,14 @@ bool PmReportWriter::createFile() {
     return _file.open(_filePath);
 }
 
+template <class... PiecesT>
+void PmReportWriter::writeToFile(const PiecesT&... pieces) {
+    if (!(_file.write(pieces) && ...)) {
+        LOG_ERROR("%s", writeFailure);
+        throw std::ios_base::failure(writeFailure);
+    }
+}
+
 bool PmReportWriter::writeGpData(PmGpData& gp) {
     return gp._pmData != nullptr ? write<PmSpiV1Traits>(gp) : write<PmSpiV2Traits>(gp);
 }
@@ -78,6 +87,7 @@ bool PmReportWriter::write(PmGpData& gp) {
     }
     const auto gpId = static_cast<unsigned long long>(gp._gpId);
     bool written = false;
+    _file.begin();
     try {
         if (returnToLastGoodPosition()) {
             if (_file.lastGoodPosition() == 0) {
@@ -92,13 +102,16 @@ bool PmReportWriter::write(PmGpData& gp) {
     } catch (...) {
         LOG_ERROR("Caught unknown exception while trying to write file with id %llu", gpId);
     }
+    if (!written) {
+        _file.abandon();
+    }
     LOG_TRACE(" << ");
     return written;
 }
 
 /// What an earlier GP left behind when it failed must not stand between the GPs that are complete.
 bool PmReportWriter::returnToLastGoodPosition() {
-    if (_file.position() != _file.lastGoodPosition() && !_file.rewind()) {
+    if (!_file.isAtGoodEnd() && !_file.rewind()) {
         LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
         return false;
     }
@@ -111,6 +124,7 @@ bool PmReportWriter::writeMeasData(PmGpData& gp) {
     for (std::uint32_t i = 0; i < data.nrOfMeasObjClasses; ++i) {
         writeMeasInfo<typename TraitsT::PmMeasObjClass>(gp, data.measObjClasses[i]);
     }
+    writeToFile(PmReportFile::flush);
     if (!_file.markGoodEnd()) {
         LOG_ERROR("Unable to get the current file position");
         return false;
@@ -121,9 +135,9 @@ bool PmReportWriter::writeMeasData(PmGpData& gp) {
 template <class MeasObjClassT>
 void PmReportWriter::writeMeasInfo(const PmGpData& gp, const MeasObjClassT& measClass) {
     if (measClass.name != nullptr) {
-        writePieces("\t\t<measInfo measInfoId=\"", measClass.name, "\">\n");
+        writeToFile("\t\t<measInfo measInfoId=\"", measClass.name, "\">\n");
     } else {
-        writePieces("\t\t<measInfo>\n");
+        writeToFile("\t\t<measInfo>\n");
     }
     appendJobTag(gp._jobId.c_str());
     appendGranPeriodTag(gp._granularityPeriod);
@@ -138,15 +152,12 @@ void PmReportWriter::writeMeasInfo(const PmGpData& gp, const MeasObjClassT& meas
 template <class MeasObjClassT>
 void PmReportWriter::prepareMeasTypes(const MeasObjClassT& measClass) {
     cleanMeasTypesMap();
-    std::uint32_t lastNumber = 0;
     for (std::uint32_t i = 0; i < measClass.nrOfMeasObjs; ++i) {
         const auto& object = measClass.measObjs[i];
+        _measTypes.beginObject();
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             checkInterrupt();
-            std::uint32_t& number = _measTypes[textOf(object.values[j].measType)];
-            if (number == 0) {
-                number = ++lastNumber;
-            }
+            _measTypes.numberOf(textOf(object.values[j].measType));
         }
     }
 }
@@ -155,21 +166,22 @@ template <class MeasObjClassT>
 void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
     for (std::uint32_t i = 0; i < measClass.nrOfMeasObjs; ++i) {
         const auto& object = measClass.measObjs[i];
-        writePieces("\t\t\t<measValue measObjLdn=\"",
+        writeToFile("\t\t\t<measValue measObjLdn=\"",
                     covertSpecialCharactersToEscapeForm(textOf(object.measObjLdn)), "\">\n");
         bool suspect = false;
+        _measTypes.beginObject();
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             const auto& value = object.values[j];
             checkInterrupt();
-            writePieces("\t\t\t\t<r p=\"", _measTypes[textOf(value.measType)], "\">");
+            writeToFile("\t\t\t\t<r p=\"", _measTypes.numberOf(textOf(value.measType)), "\">");
             writeValue(value);
-            writePieces("</r>\n");
+            writeToFile("</r>\n");
             suspect = suspect || value.isSuspect != 0;
         }
         if (suspect) {
-            writePieces("\t\t\t\t<suspect>true</suspect>\n");
+            writeToFile("\t\t\t\t<suspect>true</suspect>\n");
         }
-        writePieces("\t\t\t</measValue>\n");
+        writeToFile("\t\t\t</measValue>\n");
     }
 }
 
@@ -214,7 +226,7 @@ bool PmReportWriter::finalizeReport() {
     }
     bool complete = false;
     try {
-        bool atGoodEnd = _file.position() == _file.lastGoodPosition();
+        bool atGoodEnd = _file.isAtGoodEnd();
         if (!atGoodEnd) {
             LOG_WARNING("Found file in broken state, rewinding.");
             atGoodEnd = _file.rewind();
@@ -224,6 +236,7 @@ bool PmReportWriter::finalizeReport() {
         }
         // Without a complete GP there is nothing to report.
         if (atGoodEnd && _file.lastGoodPosition() > 0) {
+            _file.begin();
             appendFileFooter();
             if (!_file.finish()) {
                 LOG_ERROR("%s", writeFailure);
@@ -250,76 +263,76 @@ void PmReportWriter::publish() {
 }
 
 void PmReportWriter::appendFileHeader() {
-    writePieces("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
+    writeToFile("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n",
                 "<?xml-stylesheet type=\"text/xsl\" href=\"MeasDataCollection.xsl\"?>\n",
                 "<measCollecFile xmlns=\"", measCollecNamespace, "\">\n",  //
                 "\t<fileHeader fileFormatVersion=\"", fileFormatVersion, "\" vendorName=\"", vendorName,
                 "\"");
     if (!_meDnPrefix.empty()) {
-        writePieces(" dnPrefix=\"", _meDnPrefix, "\"");
+        writeToFile(" dnPrefix=\"", _meDnPrefix, "\"");
     }
-    writePieces(">\n");
+    writeToFile(">\n");
     if (!_meId.empty()) {
-        writePieces("\t\t<fileSender localDn=\"ManagedElement=", _meId, "\"");
+        writeToFile("\t\t<fileSender localDn=\"ManagedElement=", _meId, "\"");
         if (!_elementType.empty()) {
-            writePieces(" elementType=\"", _elementType, "\"");
+            writeToFile(" elementType=\"", _elementType, "\"");
         }
-        writePieces("/>\n");
+        writeToFile("/>\n");
     }
-    writePieces("\t\t<measCollec beginTime=\"", formatTimeStamp(_beginTime, _timeForm), "\"/>\n",  //
+    writeToFile("\t\t<measCollec beginTime=\"", formatTimeStamp(_beginTime, _timeForm), "\"/>\n",  //
                 "\t</fileHeader>\n");
     startMeasDataBlock();
     appendManagedElementTag();
 }
 
 void PmReportWriter::startMeasDataBlock() {
-    writePieces("\t<measData>\n");
+    writeToFile("\t<measData>\n");
 }
 
 void PmReportWriter::appendManagedElementTag() {
-    writePieces("\t\t<managedElement");
+    writeToFile("\t\t<managedElement");
     if (!_meId.empty()) {
-        writePieces(" localDn=\"ManagedElement=", _meId, "\"");
+        writeToFile(" localDn=\"ManagedElement=", _meId, "\"");
     }
     if (!_meUserLabel.empty()) {
-        writePieces(" userLabel=\"", _meUserLabel, "\"");
+        writeToFile(" userLabel=\"", _meUserLabel, "\"");
     }
     if (!_swVersion.empty()) {
-        writePieces(" swVersion=\"", _swVersion, "\"");
+        writeToFile(" swVersion=\"", _swVersion, "\"");
     }
-    writePieces("/>\n");
+    writeToFile("/>\n");
 }
 
 void PmReportWriter::appendJobTag(const char* jobId) {
-    writePieces("\t\t\t<job jobId=\"", jobId, "\"/>\n");
+    writeToFile("\t\t\t<job jobId=\"", jobId, "\"/>\n");
 }
 
 void PmReportWriter::appendGranPeriodTag(TimePeriod period) {
-    writePieces("\t\t\t<granPeriod duration=\"", timePeriod2Str(period), "\" endTime=\"", _endTimeStamp,
+    writeToFile("\t\t\t<granPeriod duration=\"", timePeriod2Str(period), "\" endTime=\"", _endTimeStamp,
                 "\"/>\n");
 }
 
 void PmReportWriter::appendRepPeriodTag(TimePeriod period) {
-    writePieces("\t\t\t<repPeriod duration=\"", timePeriod2Str(period), "\"/>\n");
+    writeToFile("\t\t\t<repPeriod duration=\"", timePeriod2Str(period), "\"/>\n");
 }
 
 void PmReportWriter::appendMeasTypes() {
-    for (const auto& [name, number] : _measTypes) {
-        writePieces("\t\t\t<measType p=\"", number, "\">", name, "</measType>\n");
+    for (const auto& [name, type] : _measTypes.byName()) {
+        writeToFile("\t\t\t<measType p=\"", type.number, "\">", name, "</measType>\n");
     }
 }
 
 void PmReportWriter::endMeasInfoBlock() {
-    writePieces("\t\t</measInfo>\n");
+    writeToFile("\t\t</measInfo>\n");
 }
 
 void PmReportWriter::endMeasDataBlock() {
-    writePieces("\t</measData>\n");
+    writeToFile("\t</measData>\n");
 }
 
 void PmReportWriter::appendFileFooter() {
     endMeasDataBlock();
-    writePieces("\t<fileFooter>\n\t\t<measCollec endTime=\"", _endTimeStamp, "\"/>\n\t</fileFooter>\n",
+    writeToFile("\t<fileFooter>\n\t\t<measCollec endTime=\"", _endTimeStamp, "\"/>\n\t</fileFooter>\n",
                 "</measCollecFile>\n");
 }
 
@@ -361,25 +374,6 @@ void PmReportWriter::writeArray(const NumberT* numbers, std::uint32_t count) {
         }
         writeToFile(numbers[i]);
     }
-}
-
-void PmReportWriter::writeToFile(std::string_view text) {
-    if (!_file.write(text)) {
-        LOG_ERROR("%s", writeFailure);
-        throw std::ios_base::failure(writeFailure);
-    }
-}
-
-void PmReportWriter::writeToFile(std::uint32_t number) {
-    writeToFile(NumberText(number).view());
-}
-
-void PmReportWriter::writeToFile(std::int64_t number) {
-    writeToFile(NumberText(number).view());
-}
-
-void PmReportWriter::writeToFile(double number) {
-    writeToFile(NumberText(number).view());
 }
 
 }  // namespace VorPm

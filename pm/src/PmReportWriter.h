@@ -1,15 +1,13 @@
 #pragma once
 
 #include <cstdint>
-#include <cstring>
-#include <map>
 #include <stdexcept>
 #include <string>
-#include <string_view>
 
 #include <Poco/AtomicCounter.h>
 
 #include "PmGpData.h"
+#include "PmMeasTypes.h"
 #include "PmReportFile.h"
 #include "PmTimeTexts.h"
 #include "VorOamSpiPm.h"
@@ -30,11 +28,6 @@ struct PmSpiV1Traits {
 struct PmSpiV2Traits {
     using PmGpDataRecord = VorOamSpiPmGpData_2;
     using PmMeasObjClass = VorOamSpiPmMeasObjClass_2;
-};
-
-/// Orders names byte by byte.
-struct CounterCompare {
-    bool operator()(const char* left, const char* right) const { return std::strcmp(left, right) < 0; }
 };
 
 /// Writes one report, a measCollecFile of 3GPP TS 32.435 (format version "32.435 V10.0"), GP by GP into the
@@ -110,18 +103,13 @@ class PmReportWriter {
     template <class NumberT>
     void writeArray(const NumberT* numbers, std::uint32_t count);
 
-    /// The pieces one after the other, texts as they are and numbers in base 10.
+    /// The pieces one after the other, texts as they are and numbers in base 10. Throws
+    /// `std::ios_base::failure`, with a message, when the stream refuses what was collected.
     template <class... PiecesT>
-    void writePieces(const PiecesT&... pieces) {
-        (writeToFile(pieces), ...);
-    }
-    void writeToFile(std::string_view text);
-    void writeToFile(std::uint32_t number);
-    void writeToFile(std::int64_t number);
-    void writeToFile(double number);
+    void writeToFile(const PiecesT&... pieces);
 
-    /// Numbers of the measurement types of the class being written; the names are the GP's.
-    std::map<const char*, std::uint32_t, CounterCompare> _measTypes;
+    /// Those of the class being written; the names are the GP's.
+    PmMeasTypes _measTypes;
     const std::string _jobGroup;
     TimeForm _timeForm = TimeForm::Local;
     /// The one field that other threads touch.
