@@ -64,7 +64,7 @@ struct NodeRun {
         node = std::make_unique<VorNode::Node>(options, *producer, watch, log);
     }
 
-    /// Runs it from start to stop and tells all that can be seen of it.
+    /// Runs it from start to its end and tells all that can be seen of it.
     std::string follow(std::istream& course) {
         std::string seen;
         try {
@@ -77,6 +77,7 @@ struct NodeRun {
         }
         node->stop();
         EXPECT_EQ(node->pmService().counts().released, node->pmService().counts().announced);
+        node.reset();
         return seen + log.str() + writtenAttributes() + reports();
     }
 
