@@ -81,6 +81,13 @@ class FileFaults : public testing::Test {
         };
     }
 
+    ~FileFaults() override {
+        std::cout << testing::UnitTest::GetInstance()->current_test_info()->name() << ": " << runs
+                  << " runs, " << injected << " faults injected, " << unpublished
+                  << " unpublished reports found, " << files << " files read, violations " << violations
+                  << '\n';
+    }
+
     /// Returns after the worker's first pass.
     KelReturnT start() {
         engine.happenings.erase("handleExpiredTimer <<");
@@ -161,8 +168,6 @@ class FileFaults : public testing::Test {
                 for (const std::string& later : {std::string("none"), name, std::string("ftruncate")})
                     failCall(closing, target, calls[target], list[i], later);
         }
-        std::cout << "file faults: " << calls.size() << " calls, " << runs << " runs, " << injected
-                  << " faults injected, violations " << violations << '\n';
     }
 
     /// The call of that number fails, and later all calls of that name.
@@ -216,7 +221,7 @@ class FileFaults : public testing::Test {
     std::function<void()> prepare = [] {};
     std::unique_ptr<VorNode::GpRecords> large;
     const std::string noBackup = engine.root.noBackup(), lifted = noBackup + "/lifted";
-    int runs = 0, injected = 0, unpublished = 0, violations = 0;
+    int runs = 0, injected = 0, unpublished = 0, files = 0, violations = 0;
 };
 
 /// Needs a kernel that hands over system calls.
@@ -268,8 +273,6 @@ TEST_F(SupervisedFaults, LeaveWholeReportsAfterAKill) {
     }
     EXPECT_EQ(violations, 0);
     EXPECT_GE(unpublished, isLongForm ? 50 : 30);
-    std::cout << "kills: " << runs << " kills, " << unpublished << " found an unpublished report, violations "
-              << violations << '\n';
 }
 
 TEST_F(SupervisedFaults, WouldShowPublishingByCopy) {
@@ -286,7 +289,6 @@ TEST_F(SupervisedFaults, WouldShowPublishingByCopy) {
 }
 
 TEST_F(SupervisedFaults, FindEveryReportOnDiskBeforeItsName) {
-    int published = 0;
     for (const Closing closing : {Closing::Stop, Closing::Timer}) {
         const Calls calls = record(closing);
         const auto lastBefore = [&calls](std::size_t end, const std::set<std::string>& names,
@@ -301,15 +303,14 @@ TEST_F(SupervisedFaults, FindEveryReportOnDiskBeforeItsName) {
             if (calls[i].name != "rename")
                 continue;
             lastRename = i + 1;
-            ++published;
+            ++files;
             EXPECT_TRUE(calls[i].newPath.starts_with(engine.root.reportFolder().string()));
             EXPECT_GT(lastBefore(i, {"fsync"}, calls[i].path),
                       lastBefore(i, {"write", "ftruncate"}, calls[i].path));
         }
         EXPECT_GT(lastBefore(calls.size(), {"fsync"}, engine.root.reportFolder()), lastRename);
     }
-    EXPECT_EQ(published, 6);
-    std::cout << "order on disk: " << published << " reports, violations " << (HasFailure() ? 1 : 0) << '\n';
+    EXPECT_EQ(files, 6);
 }
 
 TEST_F(FileFaults, SurviveAFullDisk) {
@@ -338,7 +339,6 @@ TEST_F(FileFaults, SurviveAFullDisk) {
     for (const char* place : {"write IO failure writing gp", "finalizeReport IO failure writing gp",
                               "publishGzipReport Unknown exception while publishing report"})
         EXPECT_NE(messages.find(place), std::string::npos) << place;
-    std::cout << "full disk: " << runs << " runs, violations " << violations << '\n';
 }
 
 // A client that takes what it finds, and deletes some of it.
@@ -368,9 +368,9 @@ TEST_F(FileFaults, ShowAPollingClientWholeReportsOnly) {
     }
     client.request_stop();
     client.join();
-    EXPECT_GE(seen.size(), 100U);
+    files = static_cast<int>(seen.size());
+    EXPECT_GE(files, 100);
     EXPECT_EQ(violations, 0);
-    std::cout << "polling client: " << seen.size() << " files opened, violations " << violations << '\n';
 }
 
 TEST_F(FileFaults, CreateNothingOutsideTheFolders) {
@@ -414,7 +414,6 @@ TEST_F(FileFaults, CreateNothingOutsideTheFolders) {
                 readReport(engine.root.reportFolder() / name).ends_with("</measCollecFile>\n") ? 0 : 1;
     }
     EXPECT_EQ(violations, 0);
-    std::cout << "hostile names: " << runs << " runs, violations " << violations << '\n';
 }
 
 }  // namespace VorTest
