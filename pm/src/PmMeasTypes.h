@@ -4,6 +4,8 @@
 #include <cstring>
 #include <map>
 
+#include "PmReportBuffer.h"
+
 namespace VorPm {
 
 /// Orders names byte by byte.
@@ -18,6 +20,8 @@ class PmMeasTypes {
   public:
     struct Type {
         std::uint32_t number = 0;
+        /// The start of an element with a value of the type.
+        ShortText valueTag;
         /// Null when none followed yet.
         const char* followerName = nullptr;
         Type* follower = nullptr;
@@ -25,6 +29,7 @@ class PmMeasTypes {
     using ByName = std::map<const char*, Type, CounterCompare>;
 
     /// The types by name.
+    ByName& byName() { return _types; }
     const ByName& byName() const { return _types; }
 
     void clear() {
@@ -36,14 +41,14 @@ class PmMeasTypes {
     /// What is asked for next is an object's first type.
     void beginObject() { _last = &_first; }
 
-    /// The number of the type of that name; a name that was not met before gets the next one.
-    std::uint32_t numberOf(const char* name) {
+    /// The type of that name; a name that was not met before gets the next number.
+    const Type& find(const char* name) {
         const char* const expected = _last->followerName;
         if (expected == nullptr || (expected != name && std::strcmp(expected, name) != 0)) {
             lookUp(name);
         }
         _last = _last->follower;
-        return _last->number;
+        return *_last;
     }
 
   private:

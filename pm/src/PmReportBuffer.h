@@ -4,13 +4,34 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 #include "PmReportNumbers.h"
 
 namespace VorPm {
 
+template <class T>
+concept Number = std::is_arithmetic_v<T>;
+
+/// A number between two texts, kept in place and copied in one step whatever its length.
+struct ShortText {
+    ShortText() = default;
+    template <std::size_t before, std::size_t behind>
+    ShortText(const char (&textBefore)[before], std::uint32_t number, const char (&textBehind)[behind]) {
+        constexpr std::size_t longest = 10;
+        static_assert(before - 1 + longest + behind - 1 <= sizeof text);
+        std::memcpy(text.data(), textBefore, before - 1);
+        char* const end = printNumber(text.data() + before - 1, number);
+        std::memcpy(end, textBehind, behind - 1);
+        size = static_cast<std::size_t>(end - text.data()) + behind - 1;
+    }
+
+    std::array<char, 32> text{};
+    std::size_t size = 0;
+};
+
 /// Collects text until a stream takes it in one piece. One per thread that writes reports, used by one report
-/// at a time: it is empty whenever no GP is being written.
+/// at a time. Pieces are texts, as they are, and numbers in base 10; what is appended has to fit.
 class PmReportBuffer {
   public:
     static PmReportBuffer& ofThisThread() {
@@ -22,17 +43,35 @@ class PmReportBuffer {
     std::string_view text() const { return {_text.data(), _size}; }
     void clear() { _size = 0; }
 
-    /// There is room for the text, or the longest number.
+    /// The room that a piece may take.
+    template <std::size_t size>
+    static constexpr std::size_t roomFor(const char (&/*literal*/)[size]) {
+        return size - 1;
+    }
+    static constexpr std::size_t roomFor(std::string_view text) { return text.size(); }
+    static constexpr std::size_t roomFor(const ShortText& text) { return text.text.size(); }
+    static constexpr std::size_t roomFor(Number auto /*number*/) { return longestNumber; }
+
+    template <std::size_t size>
+    void append(const char (&literal)[size]) {
+        std::memcpy(end(), literal, size - 1);
+        _size += size - 1;
+    }
     void append(std::string_view text) {
-        std::memcpy(_text.data() + _size, text.data(), text.size());
+        std::memcpy(end(), text.data(), text.size());
         _size += text.size();
     }
-    template <class NumberT>
-    void appendNumber(NumberT number) {
-        _size = static_cast<std::size_t>(printNumber(_text.data() + _size, number) - _text.data());
+    void append(const ShortText& text) {
+        std::memcpy(end(), text.text.data(), text.text.size());
+        _size += text.size;
+    }
+    void append(Number auto number) {
+        _size = static_cast<std::size_t>(printNumber(end(), number) - _text.data());
     }
 
   private:
+    char* end() { return _text.data() + _size; }
+
     std::array<char, 65'536> _text;
     std::size_t _size = 0;
 };

@@ -46,23 +46,21 @@ bool PmReportFile::writeToStream(std::string_view text) {
     return false;
 }
 
-bool PmReportFile::drain() {
+bool PmReportFile::flush() {
     const bool taken = writeToStream(_buffer->text());
     _buffer->clear();
     return taken;
 }
 
-/// For a text that does not fit: one that never would goes to the stream itself, and nothing of it is left.
-bool PmReportFile::makeRoom(std::string_view& text) {
-    if (!drain()) {
+bool PmReportFile::writeAlone(std::string_view text) {
+    if (text.size() > _buffer->room() && !flush()) {
         return false;
     }
-    if (text.size() <= _buffer->room()) {
-        return true;
+    if (text.size() > _buffer->room()) {
+        return writeToStream(text);
     }
-    const bool taken = writeToStream(text);
-    text = {};
-    return taken;
+    _buffer->append(text);
+    return true;
 }
 
 bool PmReportFile::markGoodEnd() {
@@ -72,11 +70,6 @@ bool PmReportFile::markGoodEnd() {
     }
     _goodEnds.push_back(end);
     return true;
-}
-
-void PmReportFile::abandon() {
-    _abandoned = true;
-    _buffer->clear();
 }
 
 bool PmReportFile::rewind() {
@@ -93,7 +86,7 @@ bool PmReportFile::rewind() {
 }
 
 bool PmReportFile::finish() {
-    const bool flushed = drain() && std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
+    const bool flushed = flush() && std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
                          sizeOnDisk(_file.get()) == std::ftell(_file.get());
     return std::fclose(_file.release()) == 0 && flushed;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <concepts>
 #include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "PmReportBuffer.h"
@@ -26,39 +26,32 @@ class PmReportFile {
     bool isOpen() const { return _file != nullptr; }
 
     /// Writing begins, on this thread, with a GP or the footer.
-    void begin() { _buffer = &PmReportBuffer::ofThisThread(); }
-
-    /// False when the stream refused text.
-    bool write(std::string_view text) {
-        if (text.size() > _buffer->room() && !makeRoom(text)) {
-            return false;
-        }
-        _buffer->append(text);
-        return true;
+    void begin() {
+        _buffer = &PmReportBuffer::ofThisThread();
+        _buffer->clear();
     }
-    template <class NumberT>
-    requires std::is_arithmetic_v<NumberT>
-    bool write(NumberT number) {
-        if (longestNumber > _buffer->room() && !drain()) {
-            return false;
+
+    /// Appends the pieces; false when the stream refused text.
+    template <class... PiecesT>
+    bool write(const PiecesT&... pieces) {
+        if ((PmReportBuffer::roomFor(pieces) + ...) > _buffer->room()) {
+            return (writeAlone(pieces) && ...);
         }
-        _buffer->appendNumber(number);
+        (_buffer->append(pieces), ...);
         return true;
     }
 
-    /// The piece that hands what is collected to the stream.
-    struct Flush {};
-    static constexpr Flush flush{};
-    bool write(Flush /*piece*/) { return drain(); }
+    /// Hands what is collected to the stream; false when it refused.
+    bool flush();
 
     /// Takes the end of what was handed over as the end of a complete GP; false when it is not known.
     bool markGoodEnd();
 
     /// The GP that was being written has failed.
-    void abandon();
+    void abandon() { _abandoned = true; }
 
-    /// False when there is something behind the last complete GP.
-    bool isAtGoodEnd() const { return !_abandoned && std::ftell(_file.get()) == lastGoodPosition(); }
+    /// False when there may be something behind the last complete GP.
+    bool isAtGoodEnd() const { return !_abandoned; }
 
     /// The end of the last complete GP; 0 when there is none.
     long lastGoodPosition() const { return _goodEnds.empty() ? 0 : _goodEnds.back(); }
@@ -74,8 +67,16 @@ class PmReportFile {
     void close() { _file.reset(); }
 
   private:
-    bool drain();
-    bool makeRoom(std::string_view& text);
+    /// For a piece that may not fit.
+    bool writeAlone(std::string_view text);
+    template <class PieceT>
+    requires(!std::convertible_to<PieceT, std::string_view>) bool writeAlone(const PieceT& piece) {
+        if (PmReportBuffer::roomFor(piece) > _buffer->room() && !flush()) {
+            return false;
+        }
+        _buffer->append(piece);
+        return true;
+    }
     bool writeToStream(std::string_view text);
     void forgetLostEnds();
 
@@ -87,7 +88,7 @@ class PmReportFile {
     std::vector<long> _goodEnds;
     /// Holds text from `begin` to the end of what was begun only.
     PmReportBuffer* _buffer = nullptr;
-    /// Text of a failed GP was thrown away, or is in the file.
+    /// A GP failed since the end of the last complete one was marked or gone back to.
     bool _abandoned = false;
 };
 

@@ -68,7 +68,14 @@ bool PmReportWriter::createFile() {
 
 template <class... PiecesT>
 void PmReportWriter::writeToFile(const PiecesT&... pieces) {
-    if (!(_file.write(pieces) && ...)) {
+    if (!_file.write(pieces...)) {
+        LOG_ERROR("%s", writeFailure);
+        throw std::ios_base::failure(writeFailure);
+    }
+}
+
+void PmReportWriter::writeToFile() {
+    if (!_file.flush()) {
         LOG_ERROR("%s", writeFailure);
         throw std::ios_base::failure(writeFailure);
     }
@@ -124,7 +131,7 @@ bool PmReportWriter::writeMeasData(PmGpData& gp) {
     for (std::uint32_t i = 0; i < data.nrOfMeasObjClasses; ++i) {
         writeMeasInfo<typename TraitsT::PmMeasObjClass>(gp, data.measObjClasses[i]);
     }
-    writeToFile(PmReportFile::flush);
+    writeToFile();
     if (!_file.markGoodEnd()) {
         LOG_ERROR("Unable to get the current file position");
         return false;
@@ -157,7 +164,7 @@ void PmReportWriter::prepareMeasTypes(const MeasObjClassT& measClass) {
         _measTypes.beginObject();
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             checkInterrupt();
-            _measTypes.numberOf(textOf(object.values[j].measType));
+            _measTypes.find(textOf(object.values[j].measType));
         }
     }
 }
@@ -173,7 +180,7 @@ void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             const auto& value = object.values[j];
             checkInterrupt();
-            writeToFile("\t\t\t\t<r p=\"", _measTypes.numberOf(textOf(value.measType)), "\">");
+            writeToFile(_measTypes.find(textOf(value.measType)).valueTag);
             writeValue(value);
             writeToFile("</r>\n");
             suspect = suspect || value.isSuspect != 0;
@@ -317,8 +324,9 @@ void PmReportWriter::appendRepPeriodTag(TimePeriod period) {
 }
 
 void PmReportWriter::appendMeasTypes() {
-    for (const auto& [name, type] : _measTypes.byName()) {
+    for (auto& [name, type] : _measTypes.byName()) {
         writeToFile("\t\t\t<measType p=\"", type.number, "\">", name, "</measType>\n");
+        type.valueTag = {"\t\t\t\t<r p=\"", type.number, "\">"};
     }
 }
 

@@ -107,6 +107,8 @@ class PmReportWriter {
     /// `std::ios_base::failure`, with a message, when the stream refuses what was collected.
     template <class... PiecesT>
     void writeToFile(const PiecesT&... pieces);
+    /// Hands all that is collected to the stream.
+    void writeToFile();
 
     /// Those of the class being written; the names are the GP's.
     PmMeasTypes _measTypes;
