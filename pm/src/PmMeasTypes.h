@@ -1,8 +1,12 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <map>
+#include <memory_resource>
+#include <vector>
 
 #include "PmReportBuffer.h"
 
@@ -15,56 +19,78 @@ struct CounterCompare {
 
 /// The measurement types of one class, numbered from 1 in the order in which they are met. The names are not
 /// copied. Objects of a class mostly carry the same types in the same order, so each type remembers which one
-/// followed it last: a guess that a comparison confirms, and a look-up only where it does not.
+/// followed it: a guess that a comparison confirms, and a search only where it does not.
 class PmMeasTypes {
   public:
     struct Type {
+        const char* name = nullptr;
         std::uint32_t number = 0;
+        /// The number of the type that is expected to follow it; 0 when none did yet.
+        std::uint32_t follower = 0;
         /// The start of an element with a value of the type.
         ShortText valueTag;
-        /// Null when none followed yet.
-        const char* followerName = nullptr;
-        Type* follower = nullptr;
     };
-    using ByName = std::map<const char*, Type, CounterCompare>;
 
-    /// The types by name.
-    ByName& byName() { return _types; }
-    const ByName& byName() const { return _types; }
+    PmMeasTypes() { clear(); }
+    PmMeasTypes(const PmMeasTypes&) = delete;
+    PmMeasTypes& operator=(const PmMeasTypes&) = delete;
 
     void clear() {
-        _types.clear();
-        _first = {};
-        _last = &_first;
+        _numbers.clear();
+        _memory.release();
+        _types.assign(1, {});
+        _last = 0;
     }
 
     /// What is asked for next is an object's first type.
-    void beginObject() { _last = &_first; }
+    void beginObject() { _last = 0; }
 
-    /// The type of that name; a name that was not met before gets the next number.
+    /// The type of that name; a name that was not met before gets the next number. Valid until the next call.
     const Type& find(const char* name) {
-        const char* const expected = _last->followerName;
-        if (expected == nullptr || (expected != name && std::strcmp(expected, name) != 0)) {
-            lookUp(name);
+        std::uint32_t number = _types[_last].follower;
+        if (!isNamed(number, name)) {
+            // The object may lack the expected type, and go on with the next one.
+            number = _types[number].follower;
+            if (!isNamed(number, name)) {
+                number = search(name);
+                _types[_last].follower = number;
+            }
         }
-        _last = _last->follower;
-        return *_last;
+        _last = number;
+        return _types[number];
+    }
+
+    /// Calls `visit` with each type, in the order of the names.
+    template <class VisitT>
+    void forEachByName(VisitT visit) const {
+        for (const auto& [name, number] : _numbers) {
+            visit(_types[number]);
+        }
     }
 
   private:
-    void lookUp(const char* name) {
-        const auto [found, isNew] = _types.try_emplace(name);
-        if (isNew) {
-            found->second.number = static_cast<std::uint32_t>(_types.size());
-        }
-        _last->followerName = found->first;
-        _last->follower = &found->second;
+    /// False for 0, too.
+    bool isNamed(std::uint32_t number, const char* name) const {
+        const char* const known = _types[number].name;
+        return known == name || (number != 0 && std::strcmp(known, name) == 0);
     }
 
-    ByName _types;
-    /// What precedes every object's first type.
-    Type _first;
-    Type* _last = &_first;
+    std::uint32_t search(const char* name) {
+        const auto next = static_cast<std::uint32_t>(_types.size());
+        const auto [found, isNew] = _numbers.try_emplace(name, next);
+        if (isNew) {
+            _types.push_back({name, next, 0, {"\t\t\t\t<r p=\"", next, "\">"}});
+        }
+        return found->second;
+    }
+
+    /// By their numbers; the first stands for what precedes every object's first type.
+    std::vector<Type> _types;
+    std::uint32_t _last = 0;
+    /// Small classes need no other memory.
+    std::array<std::byte, 2048> _ownMemory;
+    std::pmr::monotonic_buffer_resource _memory{_ownMemory.data(), _ownMemory.size()};
+    std::pmr::map<const char*, std::uint32_t, CounterCompare> _numbers{&_memory};
 };
 
 }  // namespace VorPm

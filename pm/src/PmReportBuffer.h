@@ -2,7 +2,9 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 
@@ -34,9 +36,13 @@ struct ShortText {
 /// at a time. Pieces are texts, as they are, and numbers in base 10; what is appended has to fit.
 class PmReportBuffer {
   public:
+    /// On the heap, where a lack of memory is an exception; storage of the thread would end the process.
     static PmReportBuffer& ofThisThread() {
-        thread_local PmReportBuffer buffer;
-        return buffer;
+        thread_local std::unique_ptr<PmReportBuffer> buffer;
+        if (buffer == nullptr) {
+            buffer = std::make_unique<PmReportBuffer>();
+        }
+        return *buffer;
     }
 
     std::size_t room() const { return _text.size() - _size; }

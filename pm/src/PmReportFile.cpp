@@ -72,6 +72,11 @@ bool PmReportFile::markGoodEnd() {
     return true;
 }
 
+void PmReportFile::abandon() {
+    const bool isTextLeft = _buffer != nullptr && !_buffer->text().empty();
+    _abandoned = _abandoned || isTextLeft || std::ftell(_file.get()) != lastGoodPosition();
+}
+
 bool PmReportFile::rewind() {
     // Moving flushes first; when that fails nothing is buffered any more, and moving to what is left
     // succeeds.
@@ -86,7 +91,7 @@ bool PmReportFile::rewind() {
 }
 
 bool PmReportFile::finish() {
-    const bool flushed = flush() && std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
+    const bool flushed = std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
                          sizeOnDisk(_file.get()) == std::ftell(_file.get());
     return std::fclose(_file.release()) == 0 && flushed;
 }

@@ -27,6 +27,7 @@ class PmReportFile {
 
     /// Writing begins, on this thread, with a GP or the footer.
     void begin() {
+        _buffer = nullptr;
         _buffer = &PmReportBuffer::ofThisThread();
         _buffer->clear();
     }
@@ -48,9 +49,9 @@ class PmReportFile {
     bool markGoodEnd();
 
     /// The GP that was being written has failed.
-    void abandon() { _abandoned = true; }
+    void abandon();
 
-    /// False when there may be something behind the last complete GP.
+    /// False when there is something behind the last complete GP, or was to be.
     bool isAtGoodEnd() const { return !_abandoned; }
 
     /// The end of the last complete GP; 0 when there is none.
@@ -86,9 +87,9 @@ class PmReportFile {
 
     std::unique_ptr<std::FILE, Closer> _file;
     std::vector<long> _goodEnds;
-    /// Holds text from `begin` to the end of what was begun only.
+    /// Valid from `begin` to the thread's next one, for whatever report, and on that thread only.
     PmReportBuffer* _buffer = nullptr;
-    /// A GP failed since the end of the last complete one was marked or gone back to.
+    /// Some of a failed GP's text was made since the end of the last complete one was marked or gone back to.
     bool _abandoned = false;
 };
 

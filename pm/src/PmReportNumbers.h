@@ -34,25 +34,33 @@ constexpr int leadingZeros(std::uint64_t digits) {
 
 /// Prints eight digits but for the first ones; returns the end.
 inline char* printDigits(char* to, std::uint64_t digits, int skipped) {
-    static_assert(std::endian::native == std::endian::little, "the first digit is in the lowest byte");
     constexpr std::uint64_t zeros = 0x3030'3030'3030'3030;
     // In two steps, for all 64 bits at once cannot be skipped.
-    const std::uint64_t text = (digits | zeros) >> 4 * skipped >> 4 * skipped;
+    std::uint64_t text = (digits | zeros) >> 4 * skipped >> 4 * skipped;
+    if constexpr (std::endian::native == std::endian::big) {
+        text = __builtin_bswap64(text);
+    }
     std::memcpy(to, &text, sizeof text);
     return to + (8 - skipped);
 }
 
 /// Prints the number in base 10; returns the end. The lengths of counters cannot be foreseen, so no branch
-/// depends on them: all 24 places are made, and the leading zeros skipped.
+/// depends on them, but for those of more than 16 digits: all places are made, and the leading zeros skipped.
 inline char* printNumber(char* to, std::uint64_t number) {
+    constexpr std::uint64_t tenTo8 = 100'000'000;
+    constexpr std::uint64_t tenTo16 = tenTo8 * tenTo8;
     constexpr std::uint64_t lastPlace = std::uint64_t{1} << 56;
-    const std::uint64_t upper = number / 100'000'000;
-    const std::uint64_t first = eightDigits(upper / 100'000'000);
-    const std::uint64_t second = eightDigits(upper % 100'000'000);
-    const std::uint64_t last = eightDigits(number % 100'000'000);
-    to = printDigits(to, first, leadingZeros(first));
-    to = printDigits(to, second, leadingZeros(second) * (first == 0));
-    return printDigits(to, last, leadingZeros(last | lastPlace) * (upper == 0));
+    const bool isLong = number >= tenTo16;
+    if (isLong) {
+        const std::uint64_t first = eightDigits(number / tenTo16);
+        to = printDigits(to, first, leadingZeros(first));
+        number %= tenTo16;
+    }
+    const std::uint64_t upper = eightDigits(number / tenTo8);
+    const std::uint64_t lower = eightDigits(number % tenTo8);
+    const bool isShort = !isLong && upper == 0;
+    to = printDigits(to, upper, leadingZeros(upper) * !isLong);
+    return printDigits(to, lower, leadingZeros(lower | lastPlace) * isShort);
 }
 
 inline char* printNumber(char* to, std::int64_t number) {
@@ -73,17 +81,15 @@ inline char* printShortDecimal(char* to, double number) {
     constexpr double smallest = 1e-4;
     constexpr double limit = 1e9;
     constexpr std::uint64_t scale = 1'000'000;
-    // Doubles of this size are whole numbers.
-    constexpr double whole = 0x1p52;
+    constexpr double half = 0.5;
     const double magnitude = std::fabs(number);
     if (!(magnitude >= smallest && magnitude < limit)) {
         return nullptr;
     }
-    const double scaled = magnitude * scale + whole - whole;
-    if (scaled / scale != magnitude) {
+    const auto digits = static_cast<std::uint64_t>(magnitude * scale + half);
+    if (static_cast<double>(digits) / scale != magnitude) {
         return nullptr;
     }
-    const auto digits = static_cast<std::uint64_t>(scaled);
     *to = '-';
     to = printNumber(to + (number < 0 ? 1 : 0), digits / scale);
     const std::uint64_t decimals = eightDigits(digits % scale * 100);

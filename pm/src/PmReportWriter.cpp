@@ -20,6 +20,8 @@ constexpr std::string_view vendorName = "Varden AB";
 constexpr std::string_view measCollecNamespace =
     "http://www.3gpp.org/ftp/specs/archive/32_series/32.435#measCollec";
 
+constexpr char valueEnd[] = "</r>\n";
+
 constexpr char writeFailure[] = "Error writing to file, errcode-1";
 
 const char* textOf(const char* text) {
@@ -94,8 +96,8 @@ bool PmReportWriter::write(PmGpData& gp) {
     }
     const auto gpId = static_cast<unsigned long long>(gp._gpId);
     bool written = false;
-    _file.begin();
     try {
+        _file.begin();
         if (returnToLastGoodPosition()) {
             if (_file.lastGoodPosition() == 0) {
                 appendFileHeader();
@@ -180,9 +182,7 @@ void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             const auto& value = object.values[j];
             checkInterrupt();
-            writeToFile(_measTypes.find(textOf(value.measType)).valueTag);
-            writeValue(value);
-            writeToFile("</r>\n");
+            writeValue(_measTypes.find(textOf(value.measType)).valueTag, value);
             suspect = suspect || value.isSuspect != 0;
         }
         if (suspect) {
@@ -245,6 +245,7 @@ bool PmReportWriter::finalizeReport() {
         if (atGoodEnd && _file.lastGoodPosition() > 0) {
             _file.begin();
             appendFileFooter();
+            writeToFile();
             if (!_file.finish()) {
                 LOG_ERROR("%s", writeFailure);
                 throw std::ios_base::failure(writeFailure);
@@ -324,10 +325,9 @@ void PmReportWriter::appendRepPeriodTag(TimePeriod period) {
 }
 
 void PmReportWriter::appendMeasTypes() {
-    for (auto& [name, type] : _measTypes.byName()) {
-        writeToFile("\t\t\t<measType p=\"", type.number, "\">", name, "</measType>\n");
-        type.valueTag = {"\t\t\t\t<r p=\"", type.number, "\">"};
-    }
+    _measTypes.forEachByName([this](const PmMeasTypes::Type& type) {
+        writeToFile("\t\t\t<measType p=\"", type.number, "\">", type.name, "</measType>\n");
+    });
 }
 
 void PmReportWriter::endMeasInfoBlock() {
@@ -344,44 +344,47 @@ void PmReportWriter::appendFileFooter() {
                 "</measCollecFile>\n");
 }
 
-void PmReportWriter::writeValue(const VorOamSpiPmAggregatedValue_1& value) {
+void PmReportWriter::writeValue(const ShortText& tag, const VorOamSpiPmAggregatedValue_1& value) {
     if (value.isFloat != 0) {
-        writeToFile(value.value.floatValue);
+        writeToFile(tag, value.value.floatValue, valueEnd);
     } else {
-        writeToFile(value.value.intValue);
+        writeToFile(tag, value.value.intValue, valueEnd);
     }
 }
 
-void PmReportWriter::writeValue(const VorOamSpiPmAggregatedValue_2& value) {
+void PmReportWriter::writeValue(const ShortText& tag, const VorOamSpiPmAggregatedValue_2& value) {
     switch (value.valueType) {
         case VorOamSpiPmValueType_2::Integer:
-            writeToFile(value.value.intValue);
+            writeToFile(tag, value.value.intValue, valueEnd);
             break;
         case VorOamSpiPmValueType_2::Float:
-            writeToFile(value.value.floatValue);
+            writeToFile(tag, value.value.floatValue, valueEnd);
             break;
         case VorOamSpiPmValueType_2::IntegerArray:
-            writeArray(value.value.intValues, value.arraySize);
+            writeArray(tag, value.value.intValues, value.arraySize);
             break;
         case VorOamSpiPmValueType_2::FloatArray:
-            writeArray(value.value.floatValues, value.arraySize);
+            writeArray(tag, value.value.floatValues, value.arraySize);
             break;
         case VorOamSpiPmValueType_2::Nil:
-            writeToFile("NIL");
+            writeToFile(tag, "NIL", valueEnd);
             break;
         default:
             LOG_ERROR("Unknown value type %d", static_cast<int>(value.valueType));
+            writeToFile(tag, valueEnd);
     }
 }
 
 template <class NumberT>
-void PmReportWriter::writeArray(const NumberT* numbers, std::uint32_t count) {
+void PmReportWriter::writeArray(const ShortText& tag, const NumberT* numbers, std::uint32_t count) {
+    writeToFile(tag);
     for (std::uint32_t i = 0; i < count; ++i) {
         if (i > 0) {
             writeToFile(",");
         }
         writeToFile(numbers[i]);
     }
+    writeToFile(valueEnd);
 }
 
 }  // namespace VorPm

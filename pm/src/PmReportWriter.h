@@ -98,16 +98,17 @@ class PmReportWriter {
     void appendFileFooter();
     void cleanMeasTypesMap() { _measTypes.clear(); }
 
-    void writeValue(const VorOamSpiPmAggregatedValue_1& value);
-    void writeValue(const VorOamSpiPmAggregatedValue_2& value);
+    /// An element with the value; the tag is its start.
+    void writeValue(const ShortText& tag, const VorOamSpiPmAggregatedValue_1& value);
+    void writeValue(const ShortText& tag, const VorOamSpiPmAggregatedValue_2& value);
     template <class NumberT>
-    void writeArray(const NumberT* numbers, std::uint32_t count);
+    void writeArray(const ShortText& tag, const NumberT* numbers, std::uint32_t count);
 
     /// The pieces one after the other, texts as they are and numbers in base 10. Throws
     /// `std::ios_base::failure`, with a message, when the stream refuses what was collected.
     template <class... PiecesT>
     void writeToFile(const PiecesT&... pieces);
-    /// Hands all that is collected to the stream.
+    /// Hands all that is collected to the stream; fails like the other, under the same name.
     void writeToFile();
 
     /// Those of the class being written; the names are the GP's.
