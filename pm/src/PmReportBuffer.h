@@ -58,25 +58,29 @@ class PmReportBuffer {
     static constexpr std::size_t roomFor(const ShortText& text) { return text.text.size(); }
     static constexpr std::size_t roomFor(Number auto /*number*/) { return longestNumber; }
 
-    template <std::size_t size>
-    void append(const char (&literal)[size]) {
-        std::memcpy(end(), literal, size - 1);
-        _size += size - 1;
-    }
-    void append(std::string_view text) {
-        std::memcpy(end(), text.data(), text.size());
-        _size += text.size();
-    }
-    void append(const ShortText& text) {
-        std::memcpy(end(), text.text.data(), text.text.size());
-        _size += text.size;
-    }
-    void append(Number auto number) {
-        _size = static_cast<std::size_t>(printNumber(end(), number) - _text.data());
+    /// One piece after the other.
+    template <class... PiecesT>
+    void append(const PiecesT&... pieces) {
+        char* to = _text.data() + _size;
+        ((to = put(to, pieces)), ...);
+        _size = static_cast<std::size_t>(to - _text.data());
     }
 
   private:
-    char* end() { return _text.data() + _size; }
+    template <std::size_t size>
+    static char* put(char* to, const char (&literal)[size]) {
+        std::memcpy(to, literal, size - 1);
+        return to + (size - 1);
+    }
+    static char* put(char* to, std::string_view text) {
+        std::memcpy(to, text.data(), text.size());
+        return to + text.size();
+    }
+    static char* put(char* to, const ShortText& text) {
+        std::memcpy(to, text.text.data(), text.text.size());
+        return to + text.size;
+    }
+    static char* put(char* to, Number auto number) { return printNumber(to, number); }
 
     std::array<char, 65'536> _text;
     std::size_t _size = 0;

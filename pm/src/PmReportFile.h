@@ -38,7 +38,7 @@ class PmReportFile {
         if ((PmReportBuffer::roomFor(pieces) + ...) > _buffer->room()) {
             return (writeAlone(pieces) && ...);
         }
-        (_buffer->append(pieces), ...);
+        _buffer->append(pieces...);
         return true;
     }
 

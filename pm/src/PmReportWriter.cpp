@@ -199,7 +199,7 @@ void PmReportWriter::checkInterrupt() {
     }
 }
 
-std::string PmReportWriter::covertSpecialCharactersToEscapeForm(const std::string& text) {
+std::string PmReportWriter::covertSpecialCharactersToEscapeForm(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
     for (const char c : text) {

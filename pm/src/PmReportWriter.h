@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 #include <Poco/AtomicCounter.h>
 
@@ -84,7 +85,7 @@ class PmReportWriter {
     void checkInterrupt();
     void buildFilePath();
     std::string createFileName() const;
-    static std::string covertSpecialCharactersToEscapeForm(const std::string& text);
+    static std::string covertSpecialCharactersToEscapeForm(std::string_view text);
 
     void appendFileHeader();
     void startMeasDataBlock();

@@ -257,13 +257,14 @@ TEST_F(SupervisedFaults, LeaveWholeReportsAfterAKill) {
         lookAfterKill();
     }
     std::mt19937 random(20260305);
-    std::uniform_int_distribution<long> microseconds(1'000, 60'000);
+    std::uniform_int_distribution<long> microseconds(1'000, 200'000);
     const auto workUnderLoad = [this] {
         Framework::initialize(engine);
         for (;;) {
             start();
-            for (std::size_t i = 0; i < 200; ++i)
+            for (std::size_t i = 0; i < 20; ++i)
                 engine.announce(jobs[i % jobs.size()], 0, 0);
+            engine.await("releaseGp2 " + std::to_string(engine.announced));
             Framework::stop();
         }
     };
