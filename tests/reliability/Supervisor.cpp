@@ -185,6 +185,7 @@ int runInChild(const std::function<void()>& work, long microsecondsToLive) {
         workAndExit(work);
     }
     if (microsecondsToLive > 0) {
+        // Any moment will do: no state is waited for.
         std::this_thread::sleep_for(std::chrono::microseconds(microsecondsToLive));
         ::kill(child, SIGKILL);
     }
