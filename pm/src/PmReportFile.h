@@ -25,8 +25,9 @@ class PmReportFile {
     bool open(const std::string& path);
     bool isOpen() const { return _file != nullptr; }
 
-    /// Writing begins, on this thread, with a GP or the footer.
+    /// Writing begins, on this thread, with a GP or the footer. Throws when there is no memory.
     void begin() {
+        // An earlier thread's buffer may be gone.
         _buffer = nullptr;
         _buffer = &PmReportBuffer::ofThisThread();
         _buffer->clear();
