@@ -1,11 +1,9 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <map>
-#include <memory_resource>
+#include <string_view>
 #include <vector>
 
 #include "PmReportBuffer.h"
@@ -23,7 +21,7 @@ struct CounterCompare {
 class PmMeasTypes {
   public:
     struct Type {
-        const char* name = nullptr;
+        std::string_view name;
         std::uint32_t number = 0;
         /// The number of the type that is expected to follow it; 0 when none did yet.
         std::uint32_t follower = 0;
@@ -32,14 +30,12 @@ class PmMeasTypes {
     };
 
     PmMeasTypes() { clear(); }
-    PmMeasTypes(const PmMeasTypes&) = delete;
-    PmMeasTypes& operator=(const PmMeasTypes&) = delete;
 
     void clear() {
-        _numbers.clear();
-        _memory.release();
+        _byName.clear();
         _types.assign(1, {});
         _last = 0;
+        _isGuessWrong = false;
     }
 
     /// What is asked for next is an object's first type.
@@ -49,9 +45,11 @@ class PmMeasTypes {
     const Type& find(const char* name) {
         std::uint32_t number = _types[_last].follower;
         if (!isNamed(number, name)) {
+            const bool isGuess = number != 0;
+            _isGuessWrong = _isGuessWrong || isGuess;
             // The object may lack the expected type, and go on with the next one.
             number = _types[number].follower;
-            if (!isNamed(number, name)) {
+            if (!isGuess || !isNamed(number, name)) {
                 number = search(name);
                 _types[_last].follower = number;
             }
@@ -60,10 +58,19 @@ class PmMeasTypes {
         return _types[number];
     }
 
+    /// The same, when all objects are walked once more as before: guesses that were right then are right now.
+    const Type& findAgain(const char* name) {
+        if (_isGuessWrong) {
+            return find(name);
+        }
+        _last = _types[_last].follower;
+        return _types[_last];
+    }
+
     /// Calls `visit` with each type, in the order of the names.
     template <class VisitT>
     void forEachByName(VisitT visit) const {
-        for (const auto& [name, number] : _numbers) {
+        for (const std::uint32_t number : _byName) {
             visit(_types[number]);
         }
     }
@@ -71,26 +78,35 @@ class PmMeasTypes {
   private:
     /// False for 0, too.
     bool isNamed(std::uint32_t number, const char* name) const {
-        const char* const known = _types[number].name;
+        const char* const known = _types[number].name.data();
         return known == name || (number != 0 && std::strcmp(known, name) == 0);
     }
 
     std::uint32_t search(const char* name) {
-        const auto next = static_cast<std::uint32_t>(_types.size());
-        const auto [found, isNew] = _numbers.try_emplace(name, next);
-        if (isNew) {
-            _types.push_back({name, next, 0, {"\t\t\t\t<r p=\"", next, "\">"}});
+        const auto isBefore = [this](std::uint32_t number, const char* other) {
+            return CounterCompare()(_types[number].name.data(), other);
+        };
+        // New names often come in their order.
+        auto place = _byName.end();
+        if (place != _byName.begin() && !isBefore(_byName.back(), name)) {
+            place = std::lower_bound(_byName.begin(), place, name, isBefore);
+            if (isNamed(*place, name)) {
+                return *place;
+            }
         }
-        return found->second;
+        const auto next = static_cast<std::uint32_t>(_types.size());
+        _types.push_back({name, next, 0, {"\t\t\t\t<r p=\"", next, "\">"}});
+        _byName.insert(place, next);
+        return next;
     }
 
     /// By their numbers; the first stands for what precedes every object's first type.
     std::vector<Type> _types;
     std::uint32_t _last = 0;
-    /// Small classes need no other memory.
-    std::array<std::byte, 2048> _ownMemory;
-    std::pmr::monotonic_buffer_resource _memory{_ownMemory.data(), _ownMemory.size()};
-    std::pmr::map<const char*, std::uint32_t, CounterCompare> _numbers{&_memory};
+    /// An object went on otherwise than one before it.
+    bool _isGuessWrong = false;
+    /// The numbers, in the order of the names.
+    std::vector<std::uint32_t> _byName;
 };
 
 }  // namespace VorPm

@@ -14,6 +14,9 @@ namespace VorPm {
 /// a text in this room may be written to, too.
 constexpr std::size_t longestNumber = 32;
 
+/// The numbers below it have eight digits.
+constexpr std::uint64_t tenTo8 = 100'000'000;
+
 /// Eight decimal digits of a number below 10^8, one in each byte, the first in the lowest: halves of four
 /// digits, then pairs, then single ones are moved apart, all of a step at once.
 constexpr std::uint64_t eightDigits(std::uint64_t number) {
@@ -47,7 +50,6 @@ inline char* printDigits(char* to, std::uint64_t digits, int skipped) {
 /// Prints the number in base 10; returns the end. The lengths of counters cannot be foreseen, so no branch
 /// depends on them, but for those of more than 16 digits: all places are made, and the leading zeros skipped.
 inline char* printNumber(char* to, std::uint64_t number) {
-    constexpr std::uint64_t tenTo8 = 100'000'000;
     constexpr std::uint64_t tenTo16 = tenTo8 * tenTo8;
     constexpr std::uint64_t lastPlace = std::uint64_t{1} << 56;
     const bool isLong = number >= tenTo16;
@@ -74,41 +76,76 @@ inline char* printNumber(char* to, std::uint32_t number) {
     return std::to_chars(to, to + longest, number).ptr;
 }
 
-/// Prints a number with up to six decimals that has at most 15 digits; null for any other. A decimal of 15
-/// digits survives the way to the nearest double and back, so the number is that decimal exactly when
-/// dividing gives it again.
-inline char* printShortDecimal(char* to, double number) {
-    constexpr double smallest = 1e-4;
-    constexpr double limit = 1e9;
-    constexpr std::uint64_t scale = 1'000'000;
+/// How many of eight digits there are without the zeros behind them.
+constexpr int withoutTrailingZeros(std::uint64_t digits) {
+    return 8 - std::countl_zero(digits) / 8;
+}
+
+/// The most digits of a double that are printed.
+constexpr int significantDigits = 15;
+
+/// A number of 15 digits, and the power of ten that the first one stands for.
+struct Decimal {
+    std::uint64_t digits;
+    int exponent;
+};
+
+/// The decimal nearest to a number from 10^-4 to 10^9; of two that are equally near, the even one.
+inline Decimal nearestDecimal(double number) {
+    // Doubles have all of these exactly.
+    static constexpr double powersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,
+                                             1e10, 1e11, 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19};
+    constexpr std::uint64_t limit = 1'000'000'000'000'000;
     constexpr double half = 0.5;
-    const double magnitude = std::fabs(number);
-    if (!(magnitude >= smallest && magnitude < limit)) {
-        return nullptr;
+    constexpr int lastPlace = significantDigits - 1;
+    // That of the power of two below the number, whose logarithm is 1233 / 4096 for each place, or one more.
+    int exponent = std::ilogb(number) * 1233 >> 12;
+    exponent += number * powersOfTen[lastPlace - exponent] >= limit ? 1 : 0;
+    const double scale = powersOfTen[lastPlace - exponent];
+    auto digits = static_cast<std::uint64_t>(number * scale);
+    // The product is rounded, and may be an integer only thereby, which is the nearest one then. On which
+    // side of the middle between two integers it is tells a distance whose sign is that of the exact one.
+    const double distance = std::fma(number, scale, -(static_cast<double>(digits) + half));
+    digits += distance > 0 || (distance == 0 && digits % 2 != 0) ? 1 : 0;
+    return digits < limit ? Decimal{digits, exponent} : Decimal{digits / 10, exponent + 1};
+}
+
+/// Prints a number from 10^-4 to 10^9; returns the end.
+inline char* printDecimal(char* to, double number) {
+    constexpr std::size_t mostDecimals = 16;
+    const auto [digits, exponent] = nearestDecimal(number);
+    // Of these 16 digits the first is a zero, to be skipped.
+    const std::uint64_t upper = eightDigits(digits / tenTo8);
+    const std::uint64_t lower = eightDigits(digits % tenTo8);
+    const int count = (lower != 0 ? 8 + withoutTrailingZeros(lower) : withoutTrailingZeros(upper)) - 1;
+    if (exponent < 0) {
+        std::memcpy(to, "0.000", 5);
+        to += 1 - exponent;
+        printDigits(printDigits(to, upper, 1), lower, 0);
+        return to + count;
     }
-    const auto digits = static_cast<std::uint64_t>(magnitude * scale + half);
-    if (static_cast<double>(digits) / scale != magnitude) {
-        return nullptr;
+    printDigits(printDigits(to, upper, 1), lower, 0);
+    char* const point = to + exponent + 1;
+    if (point >= to + count) {
+        return point;
     }
-    *to = '-';
-    to = printNumber(to + (number < 0 ? 1 : 0), digits / scale);
-    const std::uint64_t decimals = eightDigits(digits % scale * 100);
-    if (decimals == 0) {
-        return to;
-    }
-    *to = '.';
-    printDigits(to + 1, decimals, 0);
-    return to + 1 + 8 - std::countl_zero(decimals) / 8;
+    char decimals[mostDecimals];
+    std::memcpy(decimals, point, mostDecimals);
+    std::memcpy(point + 1, decimals, mostDecimals);
+    *point = '.';
+    return to + count + 1;
 }
 
 /// At most 15 significant digits, as `printf("%.15g")` prints the number in the "C" locale.
 inline char* printNumber(char* to, double number) {
-    constexpr int significantDigits = 15;
-    char* const end = printShortDecimal(to, number);
-    return end != nullptr
-               ? end
-               : std::to_chars(to, to + longestNumber, number, std::chars_format::general, significantDigits)
-                     .ptr;
+    constexpr double smallestDecimal = 1e-4;
+    constexpr double decimalLimit = 1e9;
+    const double magnitude = std::fabs(number);
+    if (magnitude >= smallestDecimal && magnitude < decimalLimit) {
+        *to = '-';
+        return printDecimal(to + (number < 0 ? 1 : 0), magnitude);
+    }
+    return std::to_chars(to, to + longestNumber, number, std::chars_format::general, significantDigits).ptr;
 }
 
 }  // namespace VorPm

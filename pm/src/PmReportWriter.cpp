@@ -182,7 +182,7 @@ void PmReportWriter::appendMeasValues(const MeasObjClassT& measClass) {
         for (std::uint32_t j = 0; j < object.nrOfValues; ++j) {
             const auto& value = object.values[j];
             checkInterrupt();
-            writeValue(_measTypes.find(textOf(value.measType)).valueTag, value);
+            writeValue(_measTypes.findAgain(textOf(value.measType)).valueTag, value);
             suspect = suspect || value.isSuspect != 0;
         }
         if (suspect) {
@@ -378,11 +378,11 @@ void PmReportWriter::writeValue(const ShortText& tag, const VorOamSpiPmAggregate
 template <class NumberT>
 void PmReportWriter::writeArray(const ShortText& tag, const NumberT* numbers, std::uint32_t count) {
     writeToFile(tag);
-    for (std::uint32_t i = 0; i < count; ++i) {
-        if (i > 0) {
-            writeToFile(",");
-        }
-        writeToFile(numbers[i]);
+    if (count > 0) {
+        writeToFile(numbers[0]);
+    }
+    for (std::uint32_t i = 1; i < count; ++i) {
+        writeToFile(",", numbers[i]);
     }
     writeToFile(valueEnd);
 }

@@ -1,7 +1,10 @@
 #include <bit>
 #include <cmath>
+#include <deque>
 #include <locale>
+#include <map>
 #include <random>
+#include <sstream>
 
 #include "PmReportWriter.h"
 #include "ReportTest.h"
@@ -99,22 +102,80 @@ TEST_F(PmReportWriterTest, LeavesOutOfTheHeaderWhatIsNotKnownAndCompressesOneTyp
 }
 
 TEST_F(PmReportWriterTest, PrintsNumbersAsPrintfDoes) {
+    constexpr std::uint32_t count = 300'000;
     std::mt19937_64 random(32435);
-    std::uniform_real_distribution<double> significand(-10, 10);
-    std::vector<double> numbers(200'000);
+    std::vector<std::int64_t> integers(count);
+    std::vector<double> doubles(count);
     std::string expected;
-    for (double& number : numbers) {
-        const double scaled = significand(random) * std::pow(10, static_cast<int>(random() % 40) - 20);
-        number = random() % 2 == 0 ? std::bit_cast<double>(random()) : scaled;
-        char text[40];
-        std::snprintf(text, sizeof text, "%.15g", number);
-        expected += (expected.empty() ? ">" : ",") + std::string(text);
+    for (std::int64_t& number : integers) {
+        const auto power = static_cast<std::int64_t>(std::pow(10, random() % 19));
+        number = random() % 9 == 0 ? power - static_cast<std::int64_t>(random() % 2)
+                                   : static_cast<std::int64_t>(random()) >> random() % 64;
+        expected += (expected.empty() ? ">" : ",") + std::to_string(number);
     }
-    const VorOamSpiPmAggregatedValue_2 value{"a", {.floatValues = numbers.data()}, FloatArray, 200'000, 0};
-    const VorOamSpiPmMeasObj_2 object{"o", &value, 1};
+    expected += "</r>\n\t\t\t\t<r p=\"1\">";
+    for (double& number : doubles) {
+        // Any; of any size; a short decimal; one that can be in the middle of two texts; next to a power.
+        const double power = std::pow(10, static_cast<int>(random() % 40) - 20);
+        const auto whole = static_cast<double>(random() >> random() % 50);
+        const double kinds[] = {std::bit_cast<double>(random()), whole * power,
+                                static_cast<double>(random() % 1'000'000) / 1'000,
+                                whole / std::pow(2, random() % 50), std::nextafter(power, whole)};
+        number = kinds[random() % std::size(kinds)];
+        char text[40];
+        std::snprintf(text, sizeof text, "%.15g%s", number, &number == &doubles.back() ? "</r>" : ",");
+        expected += text;
+    }
+    const VorOamSpiPmAggregatedValue_2 values[] = {
+        {"a", {.intValues = integers.data()}, IntegerArray, count, 0},
+        {"a", {.floatValues = doubles.data()}, FloatArray, count, 0}};
+    const VorOamSpiPmMeasObj_2 object{"o", values, 2};
     const VorOamSpiPmMeasObjClass_2 measClass{"C", &object, 1};
     const VorOamSpiPmGpData_2 data{&measClass, 1};
-    EXPECT_NE(write(name + ".xml", noHeader, {makeGp(1, &data)}).find(expected + "</r>"), std::string::npos);
+    EXPECT_NE(write(name + ".xml", noHeader, {makeGp(1, &data)}).find(expected), std::string::npos);
+}
+
+TEST_F(PmReportWriterTest, NumbersTypesAsTheyAreMetWhateverEachObjectCarries) {
+    constexpr std::size_t classCount = 400, objectsPerClass = 5;
+    std::mt19937 random(32435);
+    std::deque<std::string> names;
+    std::deque<std::vector<VorOamSpiPmAggregatedValue_2>> values;
+    std::deque<std::vector<VorOamSpiPmMeasObj_2>> objects;
+    std::vector<VorOamSpiPmMeasObjClass_2> classes;
+    std::string expected;
+    for (std::size_t i = 0; i < classCount; ++i) {
+        std::map<std::string, std::size_t> numbers;
+        std::string types = "bdca", elements;
+        objects.emplace_back();
+        for (std::size_t j = 0; j < objectsPerClass; ++j) {
+            values.emplace_back();
+            for (const char type : types) {
+                names.emplace_back(1, type);
+                values.back().push_back({names.back().c_str(), {}, Nil, 0, 0});
+                const std::size_t number =
+                    numbers.try_emplace(names.back(), numbers.size() + 1).first->second;
+                elements += "<r p=\"" + std::to_string(number) + "\">NIL</r>";
+            }
+            objects.back().push_back(
+                {"o", values.back().data(), static_cast<std::uint32_t>(values.back().size())});
+            // The next object may lack a type, have another one, or have one again.
+            if (random() % 4 == 0)
+                types.erase(random() % (types.size() + 1), random() % 2);
+            if (random() % 4 == 0)
+                types.insert(random() % (types.size() + 1), 1, static_cast<char>('a' + random() % 6));
+        }
+        classes.push_back({"C", objects.back().data(), objectsPerClass});
+        for (const auto& [type, number] : numbers)
+            expected += "<measType p=\"" + std::to_string(number) + "\">" + type + "</measType>";
+        expected += elements;
+    }
+    const VorOamSpiPmGpData_2 data{classes.data(), classCount};
+    std::istringstream report(write(name + ".xml", noHeader, {makeGp(1, &data)}));
+    std::string written;
+    for (std::string line; std::getline(report, line);)
+        if (line.find("<measType") != std::string::npos || line.find("<r ") != std::string::npos)
+            written += line.substr(line.find('<'));
+    EXPECT_EQ(written, expected);
 }
 
 }  // namespace VorTest
