@@ -17,34 +17,46 @@ constexpr std::size_t longestNumber = 32;
 /// The numbers below it have eight digits.
 constexpr std::uint64_t tenTo8 = 100'000'000;
 
+/// Leaves of each number its upper part in place, and moves what it is more than `upper * tens` up.
+constexpr std::uint64_t moveApart(std::uint64_t numbers, std::uint64_t upper, std::uint64_t tens, int bits) {
+    // upper + (numbers - upper * tens << bits)
+    return (numbers << bits) - upper * ((tens << bits) - 1);
+}
+
 /// Eight decimal digits of a number below 10^8, one in each byte, the first in the lowest: halves of four
 /// digits, then pairs, then single ones are moved apart, all of a step at once.
-constexpr std::uint64_t eightDigits(std::uint64_t number) {
-    std::uint64_t upper = number / 10'000;
-    std::uint64_t digits = upper | (number - upper * 10'000) << 32;
-    upper = digits * 10'486 >> 20 & 0x0000'007F'0000'007F;
-    digits = upper | (digits - upper * 100) << 16;
-    upper = digits * 103 >> 10 & 0x000F'000F'000F'000F;
-    return upper | (digits - upper * 10) << 8;
+constexpr std::uint64_t eightDigits(std::uint32_t number) {
+    const std::uint64_t halves = moveApart(number, number / 10'000, 10'000, 32);
+    const std::uint64_t pairs = moveApart(halves, halves * 10'486 >> 20 & 0x0000'007F'0000'007F, 100, 16);
+    return moveApart(pairs, pairs * 103 >> 10 & 0x000F'000F'000F'000F, 10, 8);
 }
 
-/// How many of eight digits are leading zeros, as far as eight.
-constexpr int leadingZeros(std::uint64_t digits) {
+/// Sixteen decimal digits of a number below 10^16.
+struct SixteenDigits {
+    constexpr explicit SixteenDigits(std::uint64_t number)
+        : upper(eightDigits(static_cast<std::uint32_t>(number / tenTo8))),
+          lower(eightDigits(static_cast<std::uint32_t>(number % tenTo8))) {}
+
+    std::uint64_t upper, lower;
+};
+
+/// The bits of the leading zeros among eight digits, up to all 64.
+constexpr unsigned leadingZeros(std::uint64_t digits) {
     // A bit that no digit has is found where there is none, without asking for that.
     constexpr std::uint64_t behind = std::uint64_t{1} << 63;
-    return (std::countr_zero(digits | behind) + 1) / 8;
+    return (static_cast<unsigned>(std::countr_zero(digits | behind)) + 1) & ~7U;
 }
 
-/// Prints eight digits but for the first ones; returns the end.
-inline char* printDigits(char* to, std::uint64_t digits, int skipped) {
+/// Prints eight digits but for the first ones, told in bits; returns the end.
+inline char* printDigits(char* to, std::uint64_t digits, unsigned skipped) {
     constexpr std::uint64_t zeros = 0x3030'3030'3030'3030;
-    // In two steps, for all 64 bits at once cannot be skipped.
-    std::uint64_t text = (digits | zeros) >> 4 * skipped >> 4 * skipped;
+    // When all are skipped it does not matter what is there.
+    std::uint64_t text = (digits | zeros) >> skipped % 64;
     if constexpr (std::endian::native == std::endian::big) {
         text = __builtin_bswap64(text);
     }
     std::memcpy(to, &text, sizeof text);
-    return to + (8 - skipped);
+    return to + (64 - skipped) / 8;
 }
 
 /// Prints the number in base 10; returns the end. The lengths of counters cannot be foreseen, so no branch
@@ -52,17 +64,16 @@ inline char* printDigits(char* to, std::uint64_t digits, int skipped) {
 inline char* printNumber(char* to, std::uint64_t number) {
     constexpr std::uint64_t tenTo16 = tenTo8 * tenTo8;
     constexpr std::uint64_t lastPlace = std::uint64_t{1} << 56;
-    const bool isLong = number >= tenTo16;
-    if (isLong) {
-        const std::uint64_t first = eightDigits(number / tenTo16);
+    if (number >= tenTo16) {
+        const std::uint64_t first = eightDigits(static_cast<std::uint32_t>(number / tenTo16));
+        const SixteenDigits others(number % tenTo16);
         to = printDigits(to, first, leadingZeros(first));
-        number %= tenTo16;
+        return printDigits(printDigits(to, others.upper, 0), others.lower, 0);
     }
-    const std::uint64_t upper = eightDigits(number / tenTo8);
-    const std::uint64_t lower = eightDigits(number % tenTo8);
-    const bool isShort = !isLong && upper == 0;
-    to = printDigits(to, upper, leadingZeros(upper) * !isLong);
-    return printDigits(to, lower, leadingZeros(lower | lastPlace) * isShort);
+    const auto [upper, lower] = SixteenDigits(number);
+    to = printDigits(to, upper, leadingZeros(upper));
+    // The zeros of the lower ones are leading only when there are no upper ones.
+    return printDigits(to, lower, leadingZeros(lower | lastPlace | (upper != 0 ? 1 : 0)));
 }
 
 inline char* printNumber(char* to, std::int64_t number) {
@@ -114,17 +125,16 @@ inline Decimal nearestDecimal(double number) {
 inline char* printDecimal(char* to, double number) {
     constexpr std::size_t mostDecimals = 16;
     const auto [digits, exponent] = nearestDecimal(number);
-    // Of these 16 digits the first is a zero, to be skipped.
-    const std::uint64_t upper = eightDigits(digits / tenTo8);
-    const std::uint64_t lower = eightDigits(digits % tenTo8);
+    // The first of them is a zero, to be skipped.
+    const auto [upper, lower] = SixteenDigits(digits);
     const int count = (lower != 0 ? 8 + withoutTrailingZeros(lower) : withoutTrailingZeros(upper)) - 1;
     if (exponent < 0) {
         std::memcpy(to, "0.000", 5);
         to += 1 - exponent;
-        printDigits(printDigits(to, upper, 1), lower, 0);
+        printDigits(printDigits(to, upper, 8), lower, 0);
         return to + count;
     }
-    printDigits(printDigits(to, upper, 1), lower, 0);
+    printDigits(printDigits(to, upper, 8), lower, 0);
     char* const point = to + exponent + 1;
     if (point >= to + count) {
         return point;
