@@ -137,7 +137,8 @@ void bareParts(benchmark::State& state) {
     }
 }
 
-/// Times depend on where the threads happen to run, so each bench is run anew several times.
+/// A thread is slower while the other one of its core is busy, so each bench is run anew several times, and
+/// the quickest run counts.
 void repeatedly(benchmark::internal::Benchmark* bench) {
     bench->Iterations(1)->Repetitions(9)->UseManualTime();
 }

@@ -63,27 +63,28 @@ KelReturnT PmTaskManager::pushGp(const VorOamSpiPmEventValue_1& event) {
     Poco::Mutex::ScopedLock lock(_queueMutex);
     const std::uint64_t phaseBefore = _phase;
     bool accepted = false;
-    Poco::AutoPtr<PmGpData> gp;
+    bool held = false;
     try {
         accepted = isValid(event);
         if (accepted) {
-            gp = createHolder(event);
-        }
-        if (!gp.isNull()) {
-            _queue.push_back({gp, _phase});
+            QueuedGp queued{createHolder(event), _phase};
+            held = !queued.gp.isNull();
+            if (held) {
+                _queue.push_back(std::move(queued));
+            }
         }
     } catch (...) {
         if (_phase != phaseBefore) {
             abandonPhase();
         }
-        if (gp.isNull()) {
+        if (!held) {
             _dataCollector.releaseGp(event.gpId);
         }
         throw;
     }
     if (!accepted) {
         _dataCollector.releaseGp(event.gpId);
-    } else if (gp.isNull()) {
+    } else if (!held) {
         LOG_ERROR("No PM interface found");
         return VorReturnAbsent;
     } else {
