@@ -1,5 +1,6 @@
 """table.py [--check] FOLDER RESULT: prints what the rounds in FOLDER measured, and the goals; writes RESULT."""
 
+import itertools
 import json
 import math
 import pathlib
@@ -48,23 +49,34 @@ def times_faster(case, peer):
     return ratio(f"writer/{case}/{peer}", f"writer/{case}/{OURS}")
 
 
-def print_rows(title, heads, prefix, cells):
+def cell_text(cell):
+    return cell if isinstance(cell, str) else f"{cell:{',.0f' if cell >= 100 else '.3g'}}"
+
+
+def print_table(heads, rows):
+    """In Markdown."""
+    rows = [heads, *([cell_text(cell) for cell in row] for row in rows)]
+    widths = [max(map(len, column)) for column in zip(*rows)]
+    rows.insert(1, ["-" * width for width in widths])
+    print()
+    for row in rows:
+        print("|", " | ".join(text.ljust(width) for text, width in zip(row, widths)), "|")
+
+
+def print_benches(prefix, heads, cells):
     """A row for each bench with the prefix that has cells."""
-    rows = [(name.removeprefix(prefix), cells(name)) for name in ROUNDS if name.startswith(prefix)]
+    rows = [[name.removeprefix(prefix).removesuffix("/" + OURS), *values]
+            for name in ROUNDS if name.startswith(prefix) and (values := cells(name))]
     if rows:
-        print(f"\n{title:<31}", *(f"{head:>13}" for head in heads))
-    for name, values in rows:
-        if values:
-            print(f"{name.removesuffix('/' + OURS):<31}",
-                  *(f"{v:>13}" if isinstance(v, str) else f"{v:13.4g}" for v in values))
+        print_table(heads, rows)
 
 
 def writer_cells(name):
     case, way = name.split("/")[1:]
     if way != OURS:
         return None
-    peers = (f"{median(f'writer/{case}/{p}', per='values'):.0f} ({times_faster(case, p):.2f})" for p in PEERS)
-    return median(name, per="values"), 1e3 / median(name, per="bytes"), *peers
+    peers = ((median(f"writer/{case}/{p}", per="values"), f"{times_faster(case, p):.2f}") for p in PEERS)
+    return median(name, per="values"), 1e3 / median(name, per="bytes"), *itertools.chain(*peers)
 
 
 def publishing_cells(name):
@@ -77,16 +89,18 @@ def peak(name):
 
 
 def print_tables():
-    heads = ("writer", "MB/s", *(f"{peer} (times)" for peer in PEERS))
-    print_rows("writing a report, ns per value", heads, "writer/", writer_cells)
-    print_rows("publishing", ("ms", "MB/s"), "publish/", publishing_cells)
-    print_rows("intake/threads[/seconds], ns", ("p50", "p99", "p99.9"), "intake/",
-               lambda name: [median(name, key) for key in ("p50", "p99", "p99.9")])
-    print_rows("housekeeping, by reports", ("ms", "us each"), "housekeeping/",
-               lambda name: (median(name) / 1e6, median(name, per="files") / 1e3))
-    print_rows("the road, by objects of a GP", ("GPs per s", "values per s"), "road/",
-               lambda name: [1e9 / median(name, per=unit) for unit in ("gps", "values")])
-    print_rows("growth", ("ns each", "peak KiB"), "growth/", lambda name: (median(name, per="units"), peak(name)))
+    print_benches("writer/", ("a report of values that are", "ns for each", "MB/s",
+                              *itertools.chain(*((peer, "times") for peer in PEERS))), writer_cells)
+    print_benches("publish/", ("publishing 50 MB; the end of a phase with so many reports", "ms", "MB/s"),
+                  publishing_cells)
+    print_benches("intake/", ("intake, by threads (and seconds after the GP's end), ns", "p50", "p99", "p99.9"),
+                  lambda name: [median(name, key) for key in ("p50", "p99", "p99.9")])
+    print_benches("housekeeping/", ("housekeeping, by reports in the folder", "ms", "µs for each"),
+                  lambda name: (median(name) / 1e6, median(name, per="files") / 1e3))
+    print_benches("road/", ("the road, by objects of a GP, ten values each", "GPs per s", "values per s"),
+                  lambda name: [1e9 / median(name, per=unit) for unit in ("gps", "values")])
+    print_benches("growth/", ("growth, by", "ns each", "peak, KiB"),
+                  lambda name: (median(name, per="units"), peak(name)))
 
 
 GOALS = [
@@ -111,7 +125,6 @@ GOALS = [
 
 def compare_with_goals():
     outcomes = []
-    print(f"\n{'goal':<55} {'':>7} {'measured':>9}")
     for text, sign, goal, measure in GOALS:
         try:
             value = measure()
@@ -121,7 +134,9 @@ def compare_with_goals():
         share = -math.inf if math.isnan(value) else value / goal if sign == ">=" else 2 - value / goal
         outcomes.append({"goal": text, "limit": f"{sign} {goal}", "measured": value,
                          "reached": share >= 1, "nearly": share >= 1 - TOLERANCE})
-        print(f"{text:<55} {sign} {goal:<5} {value:8.2f} {'reached' if share >= 1 else 'MISSED'}")
+    print_table(("goal", "", "measured", ""),
+                [(each["goal"], each["limit"], f"{each['measured']:.2f}", "reached" if each["reached"] else "MISSED")
+                 for each in outcomes])
     return outcomes
 
 
