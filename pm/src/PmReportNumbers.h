@@ -17,9 +17,9 @@ constexpr std::size_t longestNumber = 32;
 /// The numbers below it have eight digits.
 constexpr std::uint64_t tenTo8 = 100'000'000;
 
-/// Leaves of each number its upper part in place, and moves what it is more than `upper * tens` up.
+/// Splits each of the numbers into its upper part, given, and `numbers - upper * tens`, moved up by the bits.
 constexpr std::uint64_t moveApart(std::uint64_t numbers, std::uint64_t upper, std::uint64_t tens, int bits) {
-    // upper + (numbers - upper * tens << bits)
+    // upper + (numbers - upper * tens << bits), with one multiplication
     return (numbers << bits) - upper * ((tens << bits) - 1);
 }
 
@@ -123,13 +123,14 @@ inline Decimal nearestDecimal(double number) {
 
 /// Prints a number from 10^-4 to 10^9; returns the end.
 inline char* printDecimal(char* to, double number) {
+    static constexpr char leading[] = "0.000";
     constexpr std::size_t mostDecimals = 16;
     const auto [digits, exponent] = nearestDecimal(number);
     // The first of them is a zero, to be skipped.
     const auto [upper, lower] = SixteenDigits(digits);
     const int count = (lower != 0 ? 8 + withoutTrailingZeros(lower) : withoutTrailingZeros(upper)) - 1;
     if (exponent < 0) {
-        std::memcpy(to, "0.000", 5);
+        std::memcpy(to, leading, sizeof leading);
         to += 1 - exponent;
         printDigits(printDigits(to, upper, 8), lower, 0);
         return to + count;
