@@ -73,7 +73,7 @@ inline char* printNumber(char* to, std::uint64_t number) {
     const auto [upper, lower] = SixteenDigits(number);
     to = printDigits(to, upper, leadingZeros(upper));
     // The zeros of the lower ones are leading only when there are no upper ones.
-    return printDigits(to, lower, leadingZeros(lower | lastPlace | (upper != 0 ? 1 : 0)));
+    return printDigits(to, lower, leadingZeros(lower | lastPlace | (upper != 0 ? 1U : 0U)));
 }
 
 inline char* printNumber(char* to, std::int64_t number) {
@@ -117,7 +117,7 @@ inline Decimal nearestDecimal(double number) {
     // The product is rounded, and may be an integer only thereby, which is the nearest one then. On which
     // side of the middle between two integers it is tells a distance whose sign is that of the exact one.
     const double distance = std::fma(number, scale, -(static_cast<double>(digits) + half));
-    digits += distance > 0 || (distance == 0 && digits % 2 != 0) ? 1 : 0;
+    digits += distance > 0 || (distance == 0 && digits % 2 != 0) ? 1U : 0U;
     return digits < limit ? Decimal{digits, exponent} : Decimal{digits / 10, exponent + 1};
 }
 
