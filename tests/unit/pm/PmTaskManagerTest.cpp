@@ -1,7 +1,10 @@
 #include <filesystem>
+#include <new>
 
 #include <gtest/gtest.h>
 
+#include "FailingMemory.h"
+#include "LoggingWrapper.h"
 #include "PmEngine.h"
 
 namespace VorTest {
@@ -76,6 +79,39 @@ TEST(PmTaskManager, OpensNoPhaseOnceItIsStopped) {
     engine.announce("Processor", 0, 0);
     EXPECT_EQ(engine.tasks->queueSize(), 1U);
     EXPECT_EQ(engine.log.count(8, "Started timer"), 0) << "nothing would end it";
+}
+
+TEST(PmTaskManager, HandsAGpBackOnceWhenThereIsNoMemoryForIt) {
+    std::map<bool, int> failures;
+    for (std::size_t queued = 0; queued < 40; ++queued) {
+        bool refused = true;
+        for (int allocations = 0; refused; ++allocations) {
+            PmEngine engine;
+            engine.renew();
+            for (std::size_t gp = 0; gp < queued; ++gp)
+                engine.announce("Processor", 0, 0);
+            engine.releaseGp = [](auto) { return 0; };
+            constexpr std::uint64_t end = minute * 1'000'000'000;
+            const VorOamSpiPmEventValue_1 event{++engine.announced, "Processor of the element", end, end};
+            WallClock::set(end);
+            Vor::LoggingWrapper::instance().setLevel(Vor::LoggingWrapper::defaultLevel);
+            try {
+                const FailingMemory memory(allocations);
+                engine.tasks->pushGp(event);
+                refused = false;
+            } catch (const std::bad_alloc&) {
+                ++failures[queued > 0];
+            }
+            Vor::LoggingWrapper::instance().setLevel(Vor::LoggingWrapper::traceLevel);
+            EXPECT_EQ(engine.count("releaseGp2 " + std::to_string(event.gpId)), refused ? 1 : 0);
+            EXPECT_EQ(engine.tasks->queueSize(), queued + (refused ? 0 : 1));
+            engine.log.clear();
+            engine.announce("Processor", 0, 0);
+            EXPECT_EQ(engine.log.count(8, "Started timer"), refused && queued == 0 ? 1 : 0);
+        }
+    }
+    EXPECT_GE(failures[false], 3) << "the timer, a holder, its text";
+    EXPECT_GT(failures[true], 2 * 39) << "the queue grew, too";
 }
 
 TEST_P(PmTaskManagerTurn, KeepsThePhasesApart) {
