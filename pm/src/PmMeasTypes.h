@@ -43,19 +43,9 @@ class PmMeasTypes {
 
     /// The type of that name; a name that was not met before gets the next number. Valid until the next call.
     const Type& find(const char* name) {
-        std::uint32_t number = _types[_last].follower;
-        if (!isNamed(number, name)) {
-            const bool isGuess = number != 0;
-            _isGuessWrong = _isGuessWrong || isGuess;
-            // The object may lack the expected type, and go on with the next one.
-            number = _types[number].follower;
-            if (!isGuess || !isNamed(number, name)) {
-                number = search(name);
-                _types[_last].follower = number;
-            }
-        }
-        _last = number;
-        return _types[number];
+        const std::uint32_t expected = _types[_last].follower;
+        _last = isNamed(expected, name) ? expected : findUnexpected(expected, name);
+        return _types[_last];
     }
 
     /// The same, when all objects are walked once more as before: guesses that were right then are right now.
@@ -80,6 +70,20 @@ class PmMeasTypes {
     bool isNamed(std::uint32_t number, const char* name) const {
         const char* const known = _types[number].name.data();
         return known == name || (number != 0 && std::strcmp(known, name) == 0);
+    }
+
+    std::uint32_t findUnexpected(std::uint32_t expected, const char* name) {
+        if (expected != 0) {
+            _isGuessWrong = true;
+            // The object may lack the expected type, and go on with the next one.
+            const std::uint32_t next = _types[expected].follower;
+            if (isNamed(next, name)) {
+                return next;
+            }
+        }
+        const std::uint32_t number = search(name);
+        _types[_last].follower = number;
+        return number;
     }
 
     std::uint32_t search(const char* name) {

@@ -109,13 +109,13 @@ inline Decimal nearestDecimal(double number) {
     constexpr std::uint64_t limit = 1'000'000'000'000'000;
     constexpr double half = 0.5;
     constexpr int lastPlace = significantDigits - 1;
-    // That of the power of two below the number, whose logarithm is 1233 / 4096 for each place, or one more.
+    // 1233 / 4096 is just below the logarithm of 2, so the estimate is right or one too small.
     int exponent = std::ilogb(number) * 1233 >> 12;
     exponent += number * powersOfTen[lastPlace - exponent] >= limit ? 1 : 0;
     const double scale = powersOfTen[lastPlace - exponent];
     auto digits = static_cast<std::uint64_t>(number * scale);
-    // The product is rounded, and may be an integer only thereby, which is the nearest one then. On which
-    // side of the middle between two integers it is tells a distance whose sign is that of the exact one.
+    // The product is rounded. Where that made an integer of it, it is the nearest one; else the distance from
+    // the middle between two tells, whose sign is exact.
     const double distance = std::fma(number, scale, -(static_cast<double>(digits) + half));
     digits += distance > 0 || (distance == 0 && digits % 2 != 0) ? 1U : 0U;
     return digits < limit ? Decimal{digits, exponent} : Decimal{digits / 10, exponent + 1};
