@@ -190,14 +190,6 @@ void PmEngine::happened(const std::string& what) {
     hasHappened.notify_all();
 }
 
-Texts PmEngine::messages() {
-    Texts texts;
-    for (const LogLine& line : log.messages())
-        texts.push_back(std::to_string(line.level) + " " + line.operation + " " + line.text);
-    log.clear();
-    return texts;
-}
-
 Texts PmEngine::reports() const {
     Texts texts = TemporaryRoot::filesIn(root.reportFolder());
     for (std::string& text : texts) {

@@ -63,7 +63,7 @@ struct PmEngine {
     void expectReleases();
     void happened(const std::string& what);
     /// "level operation text" of the messages since the last call.
-    Texts messages();
+    Texts messages() { return log.takeMessages(); }
     /// "name: ids" of the published reports, which have to be whole.
     Texts reports() const;
 

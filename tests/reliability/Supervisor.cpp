@@ -98,9 +98,8 @@ SystemCall describe(const seccomp_notif& notification) {
     const std::string process = "/proc/" + std::to_string(notification.pid);
     const auto& arguments = notification.data.args;
     for (const CallForm& form : forms) {
-        if (form.number != notification.data.nr) {
+        if (form.number != notification.data.nr)
             continue;
-        }
         SystemCall call{form.name, "", ""};
         if (form.descriptor != none) {
             std::error_code ignored;
@@ -181,9 +180,8 @@ int supervise(const std::function<void()>& work, const std::function<Verdict(con
 
 int runInChild(const std::function<void()>& work, long microsecondsToLive) {
     const pid_t child = ::fork();
-    if (child == 0) {
+    if (child == 0)
         workAndExit(work);
-    }
     if (microsecondsToLive > 0) {
         // Any moment will do: no state is waited for.
         std::this_thread::sleep_for(std::chrono::microseconds(microsecondsToLive));

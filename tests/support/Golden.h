@@ -23,9 +23,8 @@ inline std::vector<Texts> goldenTable(const std::string& name) {
     std::vector<Texts> rows;
     for (const std::string& line : Poco::StringTokenizer(golden(name), "\n")) {
         const Poco::StringTokenizer cells(line, "|");
-        if (cells.count() > 1 && !line.starts_with('#')) {
+        if (cells.count() > 1 && !line.starts_with('#'))
             rows.emplace_back(cells.begin(), cells.end());
-        }
     }
     return rows;
 }

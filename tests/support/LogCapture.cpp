@@ -1,16 +1,13 @@
 #include "LogCapture.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "LoggingWrapper.h"
 
 namespace VorTest {
 
-namespace {
-
-LogCapture* current = nullptr;
-
-}  // namespace
+static LogCapture* current = nullptr;
 
 LogCapture::LogCapture() {
     static const VorMwSpiLog_1 log{{"Test", "VorMwSpiLog", "1"}, &LogCapture::write};
@@ -27,9 +24,8 @@ LogCapture::~LogCapture() {
 
 void LogCapture::write(const VorMwSpiLogRecord* record) {
     const LogLine line{record->level, record->operation, record->text};
-    if (current->onLine) {
+    if (current->onLine)
         current->onLine(line);
-    }
     std::lock_guard lock(current->_mutex);
     current->_lines.push_back(line);
 }
@@ -39,10 +35,13 @@ std::vector<LogLine> LogCapture::lines() const {
     return _lines;
 }
 
-std::vector<LogLine> LogCapture::messages() const {
-    std::vector<LogLine> found = lines();
-    std::erase_if(found, [](const LogLine& line) { return line.level >= Vor::LoggingWrapper::traceLevel; });
-    return found;
+std::vector<std::string> LogCapture::takeMessages() {
+    std::lock_guard lock(_mutex);
+    std::vector<std::string> texts;
+    for (const LogLine& line : std::exchange(_lines, {}))
+        if (line.level < Vor::LoggingWrapper::traceLevel)
+            texts.push_back(std::to_string(line.level) + " " + line.operation + " " + line.text);
+    return texts;
 }
 
 int LogCapture::count(int level, const std::string& textFragment) const {

@@ -32,8 +32,8 @@ class LogCapture {
 
     /// What was written so far.
     std::vector<LogLine> lines() const;
-    /// Lines of a level below that of traces.
-    std::vector<LogLine> messages() const;
+    /// "level operation text" of what was written since the last call, traces left out.
+    std::vector<std::string> takeMessages();
     int count(int level, const std::string& textFragment) const;
     void clear();
 

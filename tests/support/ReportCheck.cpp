@@ -27,17 +27,13 @@ Element* elementAt(const Poco::AutoPtr<Poco::XML::NodeList>& list, unsigned long
 std::string faultInClass(Element& measInfo) {
     std::set<std::string> numbers;
     const Poco::AutoPtr<Poco::XML::NodeList> types = measInfo.getElementsByTagName("measType");
-    for (unsigned long i = 0; i < types->length(); ++i) {
-        if (!numbers.insert(elementAt(types, i)->getAttribute("p")).second) {
+    for (unsigned long i = 0; i < types->length(); ++i)
+        if (!numbers.insert(elementAt(types, i)->getAttribute("p")).second)
             return "measType number given twice";
-        }
-    }
     const Poco::AutoPtr<Poco::XML::NodeList> values = measInfo.getElementsByTagName("r");
-    for (unsigned long i = 0; i < values->length(); ++i) {
-        if (!numbers.contains(elementAt(values, i)->getAttribute("p"))) {
+    for (unsigned long i = 0; i < values->length(); ++i)
+        if (!numbers.contains(elementAt(values, i)->getAttribute("p")))
             return "r without its measType";
-        }
-    }
     return "";
 }
 
@@ -49,17 +45,13 @@ std::string faultIn(const std::string& report) {
         const Poco::AutoPtr<Poco::XML::Document> document = parser.parseString(report);
         for (const char* part : {"fileHeader", "measData", "fileFooter"}) {
             const Poco::AutoPtr<Poco::XML::NodeList> found = document->getElementsByTagName(part);
-            if (found->length() != 1) {
+            if (found->length() != 1)
                 return std::string("not exactly one ") + part;
-            }
         }
         const Poco::AutoPtr<Poco::XML::NodeList> classes = document->getElementsByTagName("measInfo");
-        for (unsigned long i = 0; i < classes->length(); ++i) {
-            const std::string fault = faultInClass(*elementAt(classes, i));
-            if (!fault.empty()) {
+        for (unsigned long i = 0; i < classes->length(); ++i)
+            if (const std::string fault = faultInClass(*elementAt(classes, i)); !fault.empty())
                 return fault;
-            }
-        }
         return report.ends_with("</measCollecFile>\n") ? "" : "does not end with its last tag";
     } catch (const Poco::Exception& fault) {
         return fault.displayText();
@@ -67,9 +59,8 @@ std::string faultIn(const std::string& report) {
 }
 
 std::string readReport(const std::filesystem::path& path) {
-    if (path.extension() != ".gz") {
+    if (path.extension() != ".gz")
         return readFile(path);
-    }
     Poco::FileInputStream file(path.string(), std::ios::in | std::ios::binary);
     Poco::InflatingInputStream unpacked(file, Poco::InflatingStreamBuf::STREAM_GZIP);
     std::string text;

@@ -13,13 +13,11 @@ namespace fs = std::filesystem;
 
 TemporaryRoot::TemporaryRoot() {
     std::string pattern = (fs::temp_directory_path() / "vor-test-XXXXXX").string();
-    if (::mkdtemp(pattern.data()) == nullptr) {
+    if (::mkdtemp(pattern.data()) == nullptr)
         throw fs::filesystem_error("mkdtemp", pattern, std::error_code(errno, std::generic_category()));
-    }
     _path = pattern;
-    for (const char* folder : {"internal", "no-backup", "bin"}) {
+    for (const char* folder : {"internal", "no-backup", "bin"})
         fs::create_directory(_path / folder);
-    }
     answerWith("case \"$1 $2\" in\n\"file-system internalRoot\") echo '" + internalRoot().string() +
                "' ;;\n\"pso no-backup\") echo '" + noBackup().string() +
                "' ;;\n*) echo \"unknown command $1\" >&2; exit 1 ;;\nesac\n");
@@ -30,14 +28,6 @@ TemporaryRoot::TemporaryRoot() {
 TemporaryRoot::~TemporaryRoot() {
     std::error_code ignored;
     fs::remove_all(_path, ignored);
-}
-
-fs::path TemporaryRoot::reportFolder() const {
-    return noBackup() / "PerformanceManagementReportFiles";
-}
-
-fs::path TemporaryRoot::temporaryFolder() const {
-    return noBackup() / "PerformanceManagementTemporaryFiles";
 }
 
 void TemporaryRoot::createReportFolders() const {
@@ -53,10 +43,10 @@ void TemporaryRoot::answerWith(const std::string& shellScript) const {
 
 std::vector<std::string> TemporaryRoot::filesIn(const fs::path& folder) {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        if (!entry.path().filename().string().starts_with(".filem")) {
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator(folder, none)) {
+        if (!entry.path().filename().string().starts_with(".filem"))
             names.push_back(entry.path().filename().string());
-        }
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -18,8 +18,10 @@ class TemporaryRoot {
     const std::filesystem::path& path() const { return _path; }
     std::filesystem::path internalRoot() const { return _path / "internal"; }
     std::filesystem::path noBackup() const { return _path / "no-backup"; }
-    std::filesystem::path reportFolder() const;
-    std::filesystem::path temporaryFolder() const;
+    std::filesystem::path reportFolder() const { return noBackup() / "PerformanceManagementReportFiles"; }
+    std::filesystem::path temporaryFolder() const {
+        return noBackup() / "PerformanceManagementTemporaryFiles";
+    }
 
     /// Creates the report folder and the temporary folder, empty and without markers.
     void createReportFolders() const;
@@ -27,7 +29,7 @@ class TemporaryRoot {
     /// The body of the shell script that answers from now on; `$1` and `$2` are the query.
     void answerWith(const std::string& shellScript) const;
 
-    /// The names in a folder, sorted; markers are left out.
+    /// The names in a folder that may be there, sorted; markers are left out.
     static std::vector<std::string> filesIn(const std::filesystem::path& folder);
 
   private:

@@ -60,9 +60,8 @@ int gettimeofday(timeval* __restrict time, void* __restrict) noexcept {
 
 std::time_t time(std::time_t* result) noexcept {
     const std::time_t now = (systemTime(CLOCK_REALTIME) + offset) / second;
-    if (result != nullptr) {
+    if (result != nullptr)
         *result = now;
-    }
     return now;
 }
 }

@@ -85,13 +85,10 @@ TEST(KernelCounters, measureTheClassesAskedForInTheirOrder) {
         for (const MeasuredObject& object : measured.objects)
             for (const Measurement& value : object.values)
                 EXPECT_TRUE(value.suspect) << object.ldn << " " << value.type;
-    EXPECT_THAT(
-        [&] {
-            counters.startJob("J1", {"Load", "Weather"});
-        },
-        testing::ThrowsMessage<InputError>(
-            "job J1: no measurement class is named \"Weather\"; use some of Processor, Memory, "
-            "NetworkInterface, Disk, Load, Pressure, Softirqs"));
+    const auto startUnknown = [&counters] { counters.startJob("J1", {"Load", "Weather"}); };
+    EXPECT_THAT(startUnknown, testing::ThrowsMessage<InputError>(
+                                  "job J1: no measurement class is named \"Weather\"; use some of Processor, "
+                                  "Memory, NetworkInterface, Disk, Load, Pressure, Softirqs"));
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
 #include <bit>
 #include <cmath>
-#include <deque>
 #include <locale>
 #include <map>
+#include <memory>
 #include <random>
-#include <sstream>
 
+#include "PmMeasTypes.h"
+#include "PmReportNumbers.h"
 #include "PmReportWriter.h"
 #include "ReportTest.h"
 
@@ -101,81 +102,58 @@ TEST_F(PmReportWriterTest, LeavesOutOfTheHeaderWhatIsNotKnownAndCompressesOneTyp
               golden("headers.txt"));
 }
 
-TEST_F(PmReportWriterTest, PrintsNumbersAsPrintfDoes) {
-    constexpr std::uint32_t count = 300'000;
+TEST(PmReportNumbers, ArePrintedAsPrintfDoes) {
+    const auto print = [](auto number) {
+        const auto room = std::make_unique<char[]>(VorPm::longestNumber);
+        return std::string(room.get(), VorPm::printNumber(room.get(), number));
+    };
     std::mt19937_64 random(32435);
-    std::vector<std::int64_t> integers(count);
-    std::vector<double> doubles(count);
-    std::string expected;
-    for (std::int64_t& number : integers) {
-        const auto power = static_cast<std::int64_t>(std::pow(10, random() % 19));
-        number = random() % 9 == 0 ? power - static_cast<std::int64_t>(random() % 2)
-                                   : static_cast<std::int64_t>(random()) >> random() % 64;
-        expected += (expected.empty() ? ">" : ",") + std::to_string(number);
-    }
-    expected += "</r>\n\t\t\t\t<r p=\"1\">";
-    for (double& number : doubles) {
+    for (int i = 0; i < 500'000; ++i) {
+        const auto tens = static_cast<std::int64_t>(std::pow(10, random() % 19));
+        for (const std::int64_t number :
+             {static_cast<std::int64_t>(random()) >> random() % 64, tens, tens - 1})
+            ASSERT_EQ(print(number), std::to_string(number));
         // Any; of any size; a short decimal; one that can be in the middle of two texts; next to a power.
         const double power = std::pow(10, static_cast<int>(random() % 40) - 20);
         const auto whole = static_cast<double>(random() >> random() % 50);
-        const double kinds[] = {std::bit_cast<double>(random()), whole * power,
-                                static_cast<double>(random() % 1'000'000) / 1'000,
-                                whole / std::pow(2, random() % 50), std::nextafter(power, whole)};
-        number = kinds[random() % std::size(kinds)];
-        char text[40];
-        std::snprintf(text, sizeof text, "%.15g%s", number, &number == &doubles.back() ? "</r>" : ",");
-        expected += text;
+        for (const double number : {std::bit_cast<double>(random()), whole * power,
+                                    static_cast<double>(random() % 1'000'000) / 1'000,
+                                    whole / std::pow(2, random() % 50), std::nextafter(power, whole)}) {
+            char expected[40];
+            std::snprintf(expected, sizeof expected, "%.15g", number);
+            ASSERT_EQ(print(number), expected);
+        }
     }
-    const VorOamSpiPmAggregatedValue_2 values[] = {
-        {"a", {.intValues = integers.data()}, IntegerArray, count, 0},
-        {"a", {.floatValues = doubles.data()}, FloatArray, count, 0}};
-    const VorOamSpiPmMeasObj_2 object{"o", values, 2};
-    const VorOamSpiPmMeasObjClass_2 measClass{"C", &object, 1};
-    const VorOamSpiPmGpData_2 data{&measClass, 1};
-    EXPECT_NE(write(name + ".xml", noHeader, {makeGp(1, &data)}).find(expected), std::string::npos);
 }
 
-TEST_F(PmReportWriterTest, NumbersTypesAsTheyAreMetWhateverEachObjectCarries) {
-    constexpr std::size_t classCount = 400, objectsPerClass = 5;
+TEST(PmMeasTypes, AreNumberedAsTheyAreMetWhateverEachObjectCarries) {
     std::mt19937 random(32435);
-    std::deque<std::string> names;
-    std::deque<std::vector<VorOamSpiPmAggregatedValue_2>> values;
-    std::deque<std::vector<VorOamSpiPmMeasObj_2>> objects;
-    std::vector<VorOamSpiPmMeasObjClass_2> classes;
-    std::string expected;
-    for (std::size_t i = 0; i < classCount; ++i) {
-        std::map<std::string, std::size_t> numbers;
-        std::string types = "bdca", elements;
-        objects.emplace_back();
-        for (std::size_t j = 0; j < objectsPerClass; ++j) {
-            values.emplace_back();
-            for (const char type : types) {
-                names.emplace_back(1, type);
-                values.back().push_back({names.back().c_str(), {}, Nil, 0, 0});
-                const std::size_t number =
-                    numbers.try_emplace(names.back(), numbers.size() + 1).first->second;
-                elements += "<r p=\"" + std::to_string(number) + "\">NIL</r>";
-            }
-            objects.back().push_back(
-                {"o", values.back().data(), static_cast<std::uint32_t>(values.back().size())});
-            // The next object may lack a type, have another one, or have one again.
+    VorPm::PmMeasTypes types;
+    for (int round = 0; round < 20'000; ++round) {
+        std::vector<Texts> objects(1, {"b", "d", "c", "a"});
+        while (objects.size() < 5) {
+            // The next one may lack a type, have another one, or have one again.
+            Texts names = objects.back();
+            const auto anyPlace = [&] { return names.begin() + static_cast<long>(random() % names.size()); };
+            if (random() % 4 == 0 && names.size() > 1)
+                names.erase(anyPlace());
             if (random() % 4 == 0)
-                types.erase(random() % (types.size() + 1), random() % 2);
-            if (random() % 4 == 0)
-                types.insert(random() % (types.size() + 1), 1, static_cast<char>('a' + random() % 6));
+                names.emplace(anyPlace(), 1, static_cast<char>('a' + random() % 6));
+            objects.push_back(names);
         }
-        classes.push_back({"C", objects.back().data(), objectsPerClass});
-        for (const auto& [type, number] : numbers)
-            expected += "<measType p=\"" + std::to_string(number) + "\">" + type + "</measType>";
-        expected += elements;
+        types.clear();
+        std::map<std::string, std::size_t> numbers;
+        for (const bool again : {false, true})
+            for (const Texts& names : objects) {
+                types.beginObject();
+                for (const std::string& type : names) {
+                    const auto& found = again ? types.findAgain(type.c_str()) : types.find(type.c_str());
+                    ASSERT_EQ(found.number, numbers.try_emplace(type, numbers.size() + 1).first->second);
+                }
+            }
+        auto next = numbers.begin();
+        types.forEachByName([&next](const auto& type) { ASSERT_EQ(type.name, next++->first); });
     }
-    const VorOamSpiPmGpData_2 data{classes.data(), classCount};
-    std::istringstream report(write(name + ".xml", noHeader, {makeGp(1, &data)}));
-    std::string written;
-    for (std::string line; std::getline(report, line);)
-        if (line.find("<measType") != std::string::npos || line.find("<r ") != std::string::npos)
-            written += line.substr(line.find('<'));
-    EXPECT_EQ(written, expected);
 }
 
 }  // namespace VorTest

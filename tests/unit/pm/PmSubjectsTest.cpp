@@ -201,8 +201,8 @@ TEST(PmConfigHandler, AnswersSeveralThreadsAtOnce) {
 
 TEST(PmReportNames, SortByKeyInTheOrderOfTime) {
     // Three days each: around both changes of daylight saving time, and in 2100.
-    for (const std::uint64_t start : {1490400000 * second, 1509148800 * second, 4107456000 * second}) {
-        for (const char* zone : {"CET-1", "UTC", "Asia/Kolkata", "Europe/Berlin", "America/St_Johns"}) {
+    for (const std::uint64_t start : {1490400000 * second, 1509148800 * second, 4107456000 * second})
+        for (const char* zone : {"CET-1", "UTC", "Asia/Kolkata", "Europe/Berlin", "America/St_Johns"})
             for (const TimeForm form : {TimeForm::Local, TimeForm::Utc}) {
                 ::setenv("TZ", zone, 1);
                 std::string before;
@@ -215,8 +215,6 @@ TEST(PmReportNames, SortByKeyInTheOrderOfTime) {
                     before = generateKey(name);
                 }
             }
-        }
-    }
 }
 
 using PmPublishing = Folders;

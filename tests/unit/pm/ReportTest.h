@@ -46,14 +46,7 @@ inline constexpr std::uint64_t endTime = 1'488'719'700'000'000'000;
 
 /// A node's storage and log.
 struct StorageTest : testing::Test {
-    /// "level operation text" of the messages since the last call.
-    Texts messages() {
-        Texts texts;
-        for (const LogLine& line : log.messages())
-            texts.push_back(std::to_string(line.level) + " " + line.operation + " " + line.text);
-        log.clear();
-        return texts;
-    }
+    Texts messages() { return log.takeMessages(); }
 
     TemporaryRoot root;
     const std::string reportFolder = root.reportFolder(), temporaryFolder = root.temporaryFolder();
