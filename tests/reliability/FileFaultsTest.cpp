@@ -44,7 +44,9 @@ const std::map<std::string, std::vector<int>> errors{{"open", {EMFILE, EACCES, E
 constexpr std::array jobs{"Processor", "Transport", "Pressure", "Softirqs"};
 const bool isLongForm = std::getenv("VOR_LONG") != nullptr;
 
-const auto& filesIn = TemporaryRoot::filesIn;
+Texts filesIn(const fs::path& folder) {
+    return fs::exists(folder) ? TemporaryRoot::filesIn(folder) : Texts{};
+}
 
 int partialReports(const fs::path& folder) {
     int partial = 0;
@@ -107,7 +109,7 @@ class FileFaults : public testing::Test {
 
     /// Reports of the phase that ended then; all have to be whole.
     long reportsOf(const std::string& end) const {
-        const Texts names = engine.reports();
+        const Texts names = fs::exists(engine.root.reportFolder()) ? engine.reports() : Texts{};
         return std::count_if(names.begin(), names.end(),
                              [&](const auto& name) { return name.find(end) != std::string::npos; });
     }
@@ -126,9 +128,7 @@ class FileFaults : public testing::Test {
                                         [](const auto& message) { return message.starts_with("3 "); });
         const long lost = 3 - reportsOf("-1315");
         EXPECT_TRUE(started == 0 ? lost <= told : lost == 3 && told > 0) << "a loss that no line tells of";
-        if (closing == Closing::Stop) {
-            EXPECT_EQ(start(), 0);
-        }
+        EXPECT_TRUE(closing == Closing::Timer || start() == 0);
         collect(60);
         EXPECT_EQ(Framework::stop(), 0);
         EXPECT_EQ(reportsOf("-1316"), 3);

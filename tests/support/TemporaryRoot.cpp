@@ -43,8 +43,7 @@ void TemporaryRoot::answerWith(const std::string& shellScript) const {
 
 std::vector<std::string> TemporaryRoot::filesIn(const fs::path& folder) {
     std::vector<std::string> names;
-    std::error_code none;
-    for (const auto& entry : fs::directory_iterator(folder, none)) {
+    for (const auto& entry : fs::directory_iterator(folder)) {
         if (!entry.path().filename().string().starts_with(".filem"))
             names.push_back(entry.path().filename().string());
     }

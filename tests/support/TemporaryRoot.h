@@ -29,7 +29,7 @@ class TemporaryRoot {
     /// The body of the shell script that answers from now on; `$1` and `$2` are the query.
     void answerWith(const std::string& shellScript) const;
 
-    /// The names in a folder that may be there, sorted; markers are left out.
+    /// The names in a folder, sorted; markers are left out.
     static std::vector<std::string> filesIn(const std::filesystem::path& folder);
 
   private:

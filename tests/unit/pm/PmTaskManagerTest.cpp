@@ -113,7 +113,7 @@ TEST(PmTaskManager, HandsAGpBackOnceWhenThereIsNoMemoryForIt) {
             try {
                 refused = engine.tasks->pushGp(event) != 0;
             } catch (const std::bad_alloc&) {
-                ++failures;
+                failures += queued > 0 ? 1 : 0;
             }
             allocationsLeft = -1;
             Vor::LoggingWrapper::instance().setLevel(Vor::LoggingWrapper::traceLevel);
@@ -124,7 +124,7 @@ TEST(PmTaskManager, HandsAGpBackOnceWhenThereIsNoMemoryForIt) {
             EXPECT_EQ(engine.log.count(8, "Started timer"), refused && queued == 0 ? 1 : 0);
         }
     }
-    EXPECT_GT(failures, 3 + 2 * 39) << "a timer, holders and their texts, and the queue's growth";
+    EXPECT_GT(failures, 2 * 39) << "a holder and its text each time, and the queue's growth";
 }
 
 TEST_P(PmTaskManagerTurn, KeepsThePhasesApart) {
