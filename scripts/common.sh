@@ -4,6 +4,7 @@ build_packages=(g++ cmake ninja-build libpoco-dev libcli11-dev nlohmann-json3-de
 test_packages=(libgtest-dev libgmock-dev binutils)
 check_packages=(clang clang-format clang-tidy python3)
 bench_packages=(libgtest-dev libbenchmark-dev libxml2-dev gzip python3)
+rest_packages=(collectd-core python3)
 fuzz_packages=(clang libclang-rt-dev)
 
 # Installs what is missing of the named packages.
