@@ -69,7 +69,7 @@ PmEngine::PmEngine(const Texts& without)
     ::setenv("TZ", "UTC0", 1);
     log.onLine = [this](const LogLine& line) { happened(line.operation + " " + Poco::trim(line.text)); };
     for (auto* identity : {&objectTable.identity, &routerTable.identity, &pm1.identity, &pm2.identity,
-                           &transactions.interface(), &repository.interface()}) {
+                           &transactions.table().identity, &repository.table().identity}) {
         const std::string name = std::string(identity->interfaceName) + " " + identity->interfaceVersion;
         if (std::find(without.begin(), without.end(), name) == without.end())
             registry.offer(*identity);

@@ -86,8 +86,8 @@ struct PmEngine {
     VorNode::InterfaceRegistry registry;
     VorMgmtSpiInterfacePortal_1 portal{{}, &VorNode::InterfaceRegistry::lookUp};
     /// What is offered; a test may replace operations.
-    VorOamSpiManagedObject_1 objectTable = reinterpret_cast<VorOamSpiManagedObject_1&>(objects.interface());
-    VorOamSpiEventRouter_1 routerTable = reinterpret_cast<VorOamSpiEventRouter_1&>(router.interface());
+    VorOamSpiManagedObject_1 objectTable = objects.table();
+    VorOamSpiEventRouter_1 routerTable = router.table();
     VorOamSpiPm_1 pm1;
     VorOamSpiPm_2 pm2;
     std::function<KelReturnT(std::uint64_t gpId, const VorNode::GpRecords*& records)> getGp;

@@ -44,8 +44,8 @@ void disturbAll(PmEngine& engine) {
     using Objects = VorOamSpiManagedObject_1;
     using Master = KelOamSpiTransactionMaster_1;
     using Router = VorOamSpiEventRouter_1;
-    auto& master = reinterpret_cast<Master&>(engine.transactions.interface());
-    auto& repository = reinterpret_cast<VorOamSpiModelRepository_2&>(engine.repository.interface());
+    auto& master = engine.transactions.table();
+    auto& repository = engine.repository.table();
     static auto classQuery = *repository.classQuery;
     repository.classQuery = &classQuery;
     disturb<&VorOamSpiClassQuery_2::getClassFromDn>(classQuery, "getClassFromDn");

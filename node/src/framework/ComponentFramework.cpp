@@ -29,8 +29,8 @@ ComponentFramework::ComponentFramework(const InterfaceRegistry& registry)
       _portal3{{"VorPlatform", "KelMgmtSpiInterfacePortal", "3"},
                nullptr,
                nullptr,
-               &ComponentFramework::registerComponent,
-               &ComponentFramework::unregisterComponent},
+               operation<&ComponentFramework::registerComponent>,
+               operation<&ComponentFramework::unregisterComponent>},
       _accessor{&ComponentFramework::getPortal} {}
 
 void* ComponentFramework::getPortal(const char* version) {
@@ -41,23 +41,19 @@ void* ComponentFramework::getPortal(const char* version) {
     return wanted == "3" ? &current()._portal3 : nullptr;
 }
 
-KelReturnT ComponentFramework::registerComponent(KelMgmtSpiComponent* component) {
-    return carryOut([component] {
-        requirePointers(component);
-        if (current()._component != nullptr) {
-            throw Refusal{VorReturnFailed};
-        }
-        current()._component = component;
-    });
+void ComponentFramework::registerComponent(KelMgmtSpiComponent* component) {
+    requirePointers(component);
+    if (_component != nullptr) {
+        throw Refusal{VorReturnFailed};
+    }
+    _component = component;
 }
 
-KelReturnT ComponentFramework::unregisterComponent(KelMgmtSpiComponent* component) {
-    return carryOut([component] {
-        if (component == nullptr || current()._component != component) {
-            throw Refusal{VorReturnAbsent};
-        }
-        current()._component = nullptr;
-    });
+void ComponentFramework::unregisterComponent(KelMgmtSpiComponent* component) {
+    if (component == nullptr || _component != component) {
+        throw Refusal{VorReturnAbsent};
+    }
+    _component = nullptr;
 }
 
 std::optional<std::string> ComponentFramework::missingDependency() const {

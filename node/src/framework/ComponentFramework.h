@@ -33,8 +33,8 @@ class ComponentFramework : public Service<ComponentFramework> {
 
   private:
     static void* getPortal(const char* version);
-    static KelReturnT registerComponent(KelMgmtSpiComponent* component);
-    static KelReturnT unregisterComponent(KelMgmtSpiComponent* component);
+    void registerComponent(KelMgmtSpiComponent* component);
+    void unregisterComponent(KelMgmtSpiComponent* component);
 
     const InterfaceRegistry& _registry;
     VorMgmtSpiInterfacePortal_1 _portal1;

@@ -82,13 +82,13 @@ void Node::offerServices() {
     _registry.offerAs(Vor::Portal::COMP_ID, _framework.portalInterface());
     _registry.offer(_log.logInterface());
     _registry.offer(_log.traceInterface());
-    _registry.offer(_router.interface());
-    _registry.offerAs(routerAsDependency, _router.interface());
-    _registry.offer(_transactions.interface());
-    _registry.offer(_managedObjects.interface());
-    _registry.offer(_modelRepository.interface());
+    _registry.offer(_router.table().identity);
+    _registry.offerAs(routerAsDependency, _router.table().identity);
+    _registry.offer(_transactions.table().identity);
+    _registry.offer(_managedObjects.table().identity);
+    _registry.offer(_modelRepository.table().identity);
     if (_configuration.fileManagement == FileManagement::Present) {
-        _registry.offerAs(fileManagement, _managedObjects.interface());
+        _registry.offerAs(fileManagement, _managedObjects.table().identity);
     }
     for (KelMgmtSpiInterface_1* version : _pmService.interfaces()) {
         _registry.offer(*version);

@@ -10,18 +10,10 @@ namespace VorNode {
 EventRouter::EventRouter()
     : _table{{"VorOamSpiEventService", "VorOamSpiEventRouter", "1"},
              nullptr,
-             [](KelOamSpiEventConsumer* consumer, Handle* handle) {
-                 return carryOut([=] { current().registerConsumer(consumer, handle); });
-             },
-             [](Handle handle, const char* eventType, KelNameValuePairT** filter) {
-                 return carryOut([=] { current().addSubscription(handle, eventType, filter); });
-             },
-             [](Handle handle, const char* eventType, KelNameValuePairT** filter) {
-                 return carryOut([=] { current().removeSubscription(handle, eventType, filter); });
-             },
-             [](Handle handle, KelOamSpiEventConsumer* consumer) {
-                 return carryOut([=] { current().unregisterConsumer(handle, consumer); });
-             }} {}
+             operation<&EventRouter::registerConsumer>,
+             operation<&EventRouter::addSubscription>,
+             operation<&EventRouter::removeSubscription>,
+             operation<&EventRouter::unregisterConsumer>} {}
 
 unsigned EventRouter::send(const char* eventType, void* value) {
     unsigned delivered = 0;
@@ -37,7 +29,7 @@ unsigned EventRouter::send(const char* eventType, void* value) {
     return delivered;
 }
 
-void EventRouter::registerConsumer(const KelOamSpiEventConsumer* consumer, Handle* handle) {
+void EventRouter::registerConsumer(KelOamSpiEventConsumer* consumer, Handle* handle) {
     requirePointers(consumer, handle);
     if (consumer->notify == nullptr) {
         throw Refusal{VorReturnFailed};
@@ -70,7 +62,7 @@ void EventRouter::removeSubscription(Handle handle, const char* eventType, KelNa
     removeSubscriptions([=](const Subscription& other) { return other.isNamed(handle, eventType, filter); });
 }
 
-void EventRouter::unregisterConsumer(Handle handle, const KelOamSpiEventConsumer* consumer) {
+void EventRouter::unregisterConsumer(Handle handle, KelOamSpiEventConsumer* consumer) {
     Poco::FastMutex::ScopedLock lock(_mutex);
     const auto registered = _consumers.find(handle);
     if (registered == _consumers.end()) {

@@ -27,7 +27,7 @@ class EventRouter : public Service<EventRouter> {
     EventRouter();
 
     /// What consumers look up; lives as long as the router.
-    KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    VorOamSpiEventRouter_1& table() { return _table; }
 
     /// Delivers an event on the calling thread to all subscriptions to its type, one after the other, and
     /// returns to how many it did. Neither the result of a callback nor an exception out of it makes a
@@ -53,10 +53,10 @@ class EventRouter : public Service<EventRouter> {
     };
 
     // The operations of the table. They throw a `Refusal`.
-    void registerConsumer(const KelOamSpiEventConsumer* consumer, Handle* handle);
+    void registerConsumer(KelOamSpiEventConsumer* consumer, Handle* handle);
     void addSubscription(Handle handle, const char* eventType, KelNameValuePairT** filter);
     void removeSubscription(Handle handle, const char* eventType, KelNameValuePairT** filter);
-    void unregisterConsumer(Handle handle, const KelOamSpiEventConsumer* consumer);
+    void unregisterConsumer(Handle handle, KelOamSpiEventConsumer* consumer);
 
     /// With `_mutex` held.
     bool hasSubscription(Handle handle, const char* eventType, KelNameValuePairT** filter) const;

@@ -22,7 +22,7 @@ class ManagedObjectService : public Service<ManagedObjectService> {
   public:
     ManagedObjectService(const Model& model, TransactionService& transactions);
 
-    KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    VorOamSpiManagedObject_1& table() { return _table; }
     const VorOamSpiManagedObject_1& table() const { return _table; }
 
   private:
@@ -32,29 +32,23 @@ class ManagedObjectService : public Service<ManagedObjectService> {
         std::size_t next = 0;
     };
 
-    static KelReturnT setMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
-                                     const VorMoAttributeValueContainer_3* container);
-    static KelReturnT setMoAttributes(unsigned long txHandle, const char* dn,
-                                      KelMoNamedAttributeValueContainer_3** attributes);
+    // The operations of the table.
+    void setMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
+                        const VorMoAttributeValueContainer_3* container);
+    void setMoAttributes(unsigned long txHandle, const char* dn,
+                         KelMoNamedAttributeValueContainer_3** attributes);
     /// A transaction sees what it wrote itself.
-    static KelReturnT getMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
-                                     VorMoAttributeValueResult_3* result);
-    static KelReturnT getMoAttributes(unsigned long txHandle, const char* dn, const char** attributeNames,
-                                      VorMoAttributeValuesResult_3* result);
-    static KelReturnT newMoIterator(unsigned long txHandle, const char* baseDn, const char* classPath,
-                                    unsigned long long* iterator);
-    static KelReturnT nextMo(unsigned long long iterator, char** dn);
-    static KelReturnT finalizeMoIterator(unsigned long long iterator);
-    static KelReturnT createMo(unsigned long txHandle, const char* parentDn, const char* className,
-                               const char* keyAttributeName, const char* keyAttributeValue,
-                               VorMoNamedAttributeValueContainer_3** attributes);
-    static KelReturnT deleteMo(unsigned long txHandle, const char* dn);
-    static KelReturnT action(unsigned long txHandle, const char* dn, const char* actionName,
-                             VorMoNamedAttributeValueContainer_3** parameters,
-                             VorMoAttributeValueResult_3* result);
-    static KelReturnT existsMo(unsigned long txHandle, const char* dn, bool* exists);
-    static KelReturnT countMoChildren(unsigned long txHandle, const char* dn, const char* classPath,
-                                      unsigned long long* count);
+    void getMoAttribute(unsigned long txHandle, const char* dn, const char* attributeName,
+                        VorMoAttributeValueResult_3* result);
+    void getMoAttributes(unsigned long txHandle, const char* dn, const char** attributeNames,
+                         VorMoAttributeValuesResult_3* result);
+    void newMoIterator(unsigned long txHandle, const char* baseDn, const char* classPath,
+                       unsigned long long* iterator);
+    void nextMo(unsigned long long iterator, char** dn);
+    void finalizeMoIterator(unsigned long long iterator);
+    void existsMo(unsigned long txHandle, const char* dn, bool* exists);
+    void countMoChildren(unsigned long txHandle, const char* dn, const char* classPath,
+                         unsigned long long* count);
 
     /// Refuses, with -2, an object or attribute that the model does not have.
     const AttributeDefinition& requireAttribute(const std::string& dn, const std::string& attribute) const;

@@ -48,41 +48,32 @@ ModelRepositoryService::ModelRepositoryService(const Model& model)
              &_classQuery,
              &_attributeQuery} {}
 
-KelReturnT ModelRepositoryService::getClassFromDn(const char* dn, VorOamSpiClassHandleT* moClass) {
-    return carryOut([&] {
-        requirePointers(dn, moClass);
-        const auto& classes = current()._model.classes();
-        const auto found = std::find_if(
-            classes.begin(), classes.end(),
-            [path = classPathOf(dn)](const ClassDefinition& candidate) { return candidate.path == path; });
-        *moClass =
-            found != classes.end() ? static_cast<VorOamSpiClassHandleT>(found - classes.begin()) : nullHandle;
-    });
+void ModelRepositoryService::getClassFromDn(const char* dn, VorOamSpiClassHandleT* moClass) {
+    requirePointers(dn, moClass);
+    const auto& classes = _model.classes();
+    const auto found = std::find_if(
+        classes.begin(), classes.end(),
+        [path = classPathOf(dn)](const ClassDefinition& candidate) { return candidate.path == path; });
+    *moClass =
+        found != classes.end() ? static_cast<VorOamSpiClassHandleT>(found - classes.begin()) : nullHandle;
 }
 
-KelReturnT ModelRepositoryService::getFirstAttribute(VorOamSpiClassHandleT moClass,
-                                                     VorOamSpiAttributeHandleT* attribute) {
-    return carryOut([&] {
-        requirePointers(attribute);
-        *attribute = attributeHandle(current()._model, moClass, 0);
-    });
+void ModelRepositoryService::getFirstAttribute(VorOamSpiClassHandleT moClass,
+                                               VorOamSpiAttributeHandleT* attribute) {
+    requirePointers(attribute);
+    *attribute = attributeHandle(_model, moClass, 0);
 }
 
-KelReturnT ModelRepositoryService::getName(VorOamSpiAttributeHandleT attribute, const char** name) {
-    return carryOut([&] {
-        requirePointers(name);
-        *name = attributeOf(current()._model, attribute).name.c_str();
-    });
+void ModelRepositoryService::getName(VorOamSpiAttributeHandleT attribute, const char** name) {
+    requirePointers(name);
+    *name = attributeOf(_model, attribute).name.c_str();
 }
 
-KelReturnT ModelRepositoryService::getNextAttribute(VorOamSpiAttributeHandleT attribute,
-                                                    VorOamSpiAttributeHandleT* next) {
-    return carryOut([&] {
-        requirePointers(next);
-        const Model& model = current()._model;
-        attributeOf(model, attribute);
-        *next = attributeHandle(model, attribute >> halfBits, (attribute & lowerHalf) + 1);
-    });
+void ModelRepositoryService::getNextAttribute(VorOamSpiAttributeHandleT attribute,
+                                              VorOamSpiAttributeHandleT* next) {
+    requirePointers(next);
+    attributeOf(_model, attribute);
+    *next = attributeHandle(_model, attribute >> halfBits, (attribute & lowerHalf) + 1);
 }
 
 }  // namespace VorNode

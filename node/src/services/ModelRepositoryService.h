@@ -2,6 +2,7 @@
 
 #include "VorOamSpiModelRepository.h"
 #include "model/Model.h"
+#include "services/Operation.h"
 #include "services/Service.h"
 
 namespace VorNode {
@@ -12,17 +13,20 @@ class ModelRepositoryService : public Service<ModelRepositoryService> {
   public:
     explicit ModelRepositoryService(const Model& model);
 
-    KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    VorOamSpiModelRepository_2& table() { return _table; }
 
   private:
-    static KelReturnT getClassFromDn(const char* dn, VorOamSpiClassHandleT* moClass);
-    static KelReturnT getFirstAttribute(VorOamSpiClassHandleT moClass, VorOamSpiAttributeHandleT* attribute);
-    static KelReturnT getName(VorOamSpiAttributeHandleT attribute, const char** name);
-    static KelReturnT getNextAttribute(VorOamSpiAttributeHandleT attribute, VorOamSpiAttributeHandleT* next);
+    // The operations of the table.
+    void getClassFromDn(const char* dn, VorOamSpiClassHandleT* moClass);
+    void getFirstAttribute(VorOamSpiClassHandleT moClass, VorOamSpiAttributeHandleT* attribute);
+    void getName(VorOamSpiAttributeHandleT attribute, const char** name);
+    void getNextAttribute(VorOamSpiAttributeHandleT attribute, VorOamSpiAttributeHandleT* next);
 
     const Model& _model;
-    const VorOamSpiClassQuery_2 _classQuery{&getClassFromDn, &getFirstAttribute};
-    const VorOamSpiAttributeQuery_2 _attributeQuery{&getName, &getNextAttribute};
+    const VorOamSpiClassQuery_2 _classQuery{operation<&ModelRepositoryService::getClassFromDn>,
+                                            operation<&ModelRepositoryService::getFirstAttribute>};
+    const VorOamSpiAttributeQuery_2 _attributeQuery{operation<&ModelRepositoryService::getName>,
+                                                    operation<&ModelRepositoryService::getNextAttribute>};
     VorOamSpiModelRepository_2 _table;
 };
 

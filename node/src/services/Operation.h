@@ -32,4 +32,26 @@ KelReturnT carryOut(WorkT&& work) noexcept {
     }
 }
 
+/// The function of a table that calls `member` on the one object of its service, as `carryOut` does.
+template <auto member>
+struct TableFunction;
+
+template <class ServiceT, class... ArgumentsT, void (ServiceT::*member)(ArgumentsT...)>
+struct TableFunction<member> {
+    static KelReturnT call(ArgumentsT... arguments) noexcept {
+        return carryOut([&] { (ServiceT::current().*member)(arguments...); });
+    }
+};
+
+template <class ServiceT, class... ArgumentsT, void (ServiceT::*member)(ArgumentsT...) const>
+struct TableFunction<member> {
+    static KelReturnT call(ArgumentsT... arguments) noexcept {
+        return carryOut([&] { (ServiceT::current().*member)(arguments...); });
+    }
+};
+
+/// Fills a service's table: `operation<&EventRouter::addSubscription>`.
+template <auto member>
+inline constexpr auto operation = &TableFunction<member>::call;
+
 }  // namespace VorNode

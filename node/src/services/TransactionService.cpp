@@ -10,9 +10,9 @@ namespace VorNode {
 TransactionService::TransactionService(Model& model)
     : _model(model),
       _table{{"KelOamSpiTransactionService", "KelOamSpiTransactionMaster", "1"},
-             &createTransaction,
-             &commitTransaction,
-             &abortTransaction} {}
+             operation<&TransactionService::createTransaction>,
+             operation<&TransactionService::commitTransaction>,
+             operation<&TransactionService::abortTransaction>} {}
 
 void TransactionService::requireOpen(unsigned long transaction) {
     const std::scoped_lock lock(_mutex);
@@ -34,24 +34,20 @@ std::optional<AttributeValues> TransactionService::written(unsigned long transac
     return last != writes.rend() ? std::optional(last->values) : std::nullopt;
 }
 
-KelReturnT TransactionService::createTransaction(VorLockPolicyT lockPolicy, int timeout,
-                                                 unsigned long* txHandle) {
-    return carryOut([&] {
-        requirePointers(txHandle);
-        TransactionService& service = current();
-        const std::scoped_lock lock(service._mutex);
-        const unsigned long handle = ++service._lastHandle;
-        service._transactions.emplace(handle, Transaction{lockPolicy, timeout, {}});
-        *txHandle = handle;
-    });
+void TransactionService::createTransaction(VorLockPolicyT lockPolicy, int timeout, unsigned long* txHandle) {
+    requirePointers(txHandle);
+    const std::scoped_lock lock(_mutex);
+    const unsigned long handle = ++_lastHandle;
+    _transactions.emplace(handle, Transaction{lockPolicy, timeout, {}});
+    *txHandle = handle;
 }
 
-KelReturnT TransactionService::commitTransaction(unsigned long txHandle) {
-    return carryOut([&] { current()._model.commit(current().close(txHandle).writes); });
+void TransactionService::commitTransaction(unsigned long txHandle) {
+    _model.commit(close(txHandle).writes);
 }
 
-KelReturnT TransactionService::abortTransaction(unsigned long txHandle) {
-    return carryOut([&] { current().close(txHandle); });
+void TransactionService::abortTransaction(unsigned long txHandle) {
+    close(txHandle);
 }
 
 TransactionService::Transaction& TransactionService::find(unsigned long transaction) {

@@ -19,7 +19,7 @@ class TransactionService : public Service<TransactionService> {
   public:
     explicit TransactionService(Model& model);
 
-    KelMgmtSpiInterface_1& interface() { return _table.identity; }
+    KelOamSpiTransactionMaster_1& table() { return _table; }
     const KelOamSpiTransactionMaster_1& table() const { return _table; }
 
     void requireOpen(unsigned long transaction);
@@ -40,9 +40,10 @@ class TransactionService : public Service<TransactionService> {
         std::vector<AttributeWrite> writes;
     };
 
-    static KelReturnT createTransaction(VorLockPolicyT lockPolicy, int timeout, unsigned long* txHandle);
-    static KelReturnT commitTransaction(unsigned long txHandle);
-    static KelReturnT abortTransaction(unsigned long txHandle);
+    // The operations of the table.
+    void createTransaction(VorLockPolicyT lockPolicy, int timeout, unsigned long* txHandle);
+    void commitTransaction(unsigned long txHandle);
+    void abortTransaction(unsigned long txHandle);
 
     /// Called with the lock held.
     Transaction& find(unsigned long transaction);

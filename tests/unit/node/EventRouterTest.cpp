@@ -32,7 +32,7 @@ struct EventRouterTest : testing::Test {
     unsigned send(const char* type = "a") { return router.send(type, &visitors); }
 
     EventRouter router;
-    const VorOamSpiEventRouter_1& table = reinterpret_cast<VorOamSpiEventRouter_1&>(router.interface());
+    const VorOamSpiEventRouter_1& table = router.table();
     std::map<std::string, KelOamSpiEventConsumer> consumers{
         {"visitor", {[](auto, auto, auto filter, void* value) {
              static_cast<Visitors*>(value)->count += filter == nullptr ? 1 : 10;

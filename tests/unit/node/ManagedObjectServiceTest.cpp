@@ -17,8 +17,8 @@ constexpr const char *first = "A=1", *second = "A=2";
 /// The services over the model of the golden file, reached as a component reaches them.
 struct ManagedObjectServiceTest : testing::Test {
     ManagedObjectServiceTest() {
-        registry.offer(objects.interface());
-        registry.offer(transactions.interface());
+        registry.offer(objects.table().identity);
+        registry.offer(transactions.table().identity);
         Vor::Portal::instance().connect(&InterfaceRegistry::lookUp);
         transactions.table().createTransaction(0, 10, &handle);
     }
@@ -28,7 +28,7 @@ struct ManagedObjectServiceTest : testing::Test {
     TransactionService transactions{*model};
     ManagedObjectService objects{*model, transactions};
     InterfaceRegistry registry;
-    const VorOamSpiManagedObject_1& table = reinterpret_cast<VorOamSpiManagedObject_1&>(objects.interface());
+    const VorOamSpiManagedObject_1& table = objects.table();
     unsigned long handle = 0;
 };
 

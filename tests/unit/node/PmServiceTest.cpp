@@ -81,7 +81,7 @@ std::unique_ptr<JobMeasurement> Notes::startJob(const std::string& id, const Tex
 struct PmServiceTest : testing::Test {
     PmServiceTest() { current = &notes; }
     void subscribe() {
-        const auto& events = reinterpret_cast<VorOamSpiEventRouter_1&>(router.interface());
+        const auto& events = router.table();
         KelOamSpiEventConsumerHandleT handle = 0;
         events.registerConsumer(&consumer, &handle);
         events.addSubscription(handle, "VorOamSpiPmEventTypeGpReady_1", nullptr);
