@@ -130,11 +130,6 @@ void Node::startComponent() {
             throw std::runtime_error("the component did not start (result " + std::to_string(result) +
                                      "); the log above tells why");
         }
-        if (!std::filesystem::exists(_root.reportFolder())) {
-            throw std::runtime_error("the component keeps its reports elsewhere than in " +
-                                     _root.reportFolder().string() +
-                                     "; take the vorea that answers for another node off the search path");
-        }
     });
 }
 

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Descriptor.h"
 
 namespace VorNode {
 
@@ -8,12 +12,9 @@ namespace VorNode {
 /// second node as long as the object lives.
 class NodeRoot {
   public:
-    /// Creates the folders that are missing. Throws `InputError` when that is impossible or another node
-    /// holds the root.
+    /// Creates the folders that are missing, and tries what the component will do in them. Throws
+    /// `InputError` when something of that is impossible or another node holds the root.
     explicit NodeRoot(const std::filesystem::path& path);
-    ~NodeRoot();
-    NodeRoot(const NodeRoot&) = delete;
-    NodeRoot& operator=(const NodeRoot&) = delete;
 
     const std::filesystem::path& path() const { return _path; }
 
@@ -22,12 +23,16 @@ class NodeRoot {
         return _path / "no-backup" / "PerformanceManagementReportFiles";
     }
 
-    /// Makes `vorea` answer from this root, and appends the node's own to the search path when there is none.
+    /// Makes `vorea` answer from this root: the node's own comes first on the search path. Throws
+    /// `InputError` when another one is found nevertheless, which does not answer from this root.
     void serveQueries(const std::filesystem::path& ownCommandFolder) const;
 
   private:
+    void expectAnswer(const std::vector<std::string>& query, const std::filesystem::path& folder) const;
+
     std::filesystem::path _path;
-    int _lock = -1;
+    Descriptor _folderLock;
+    Descriptor _fileLock;
 };
 
 }  // namespace VorNode
