@@ -1,5 +1,6 @@
 #include "ReportCheck.h"
 
+#include <map>
 #include <set>
 
 #include <Poco/AutoPtr.h>
@@ -37,7 +38,46 @@ std::string faultInClass(Element& measInfo) {
     return "";
 }
 
+/// The text of each element, by what `key` makes of the element and its place from 1.
+template <class KeyT>
+std::map<std::string, std::string> textsBy(Element& parent, const std::string& name, KeyT key) {
+    std::map<std::string, std::string> texts;
+    const Poco::AutoPtr<Poco::XML::NodeList> found = parent.getElementsByTagName(name);
+    for (unsigned long i = 0; i < found->length(); ++i)
+        texts[key(*elementAt(found, i), std::to_string(i + 1))] = elementAt(found, i)->innerText();
+    return texts;
+}
+
+template <class KeyT>
+std::vector<std::string> valuesBy(const std::string& report, KeyT key) {
+    std::vector<std::string> values;
+    Poco::XML::DOMParser parser;
+    const Poco::AutoPtr<Poco::XML::Document> document = parser.parseString(report);
+    const Poco::AutoPtr<Poco::XML::NodeList> classes = document->getElementsByTagName("measInfo");
+    for (unsigned long i = 0; i < classes->length(); ++i) {
+        Element& measInfo = *elementAt(classes, i);
+        auto types = textsBy(measInfo, "measType", key);
+        const Poco::AutoPtr<Poco::XML::NodeList> objects = measInfo.getElementsByTagName("measValue");
+        for (unsigned long j = 0; j < objects->length(); ++j)
+            for (const auto& [number, text] : textsBy(*elementAt(objects, j), "r", key))
+                values.push_back(measInfo.getAttribute("measInfoId") + " " +
+                                 elementAt(objects, j)->getAttribute("measObjLdn") + " " + types[number] +
+                                 " " + text);
+    }
+    return values;
+}
+
 }  // namespace
+
+std::vector<std::string> valuesByNumber(const std::string& report) {
+    return valuesBy(report, [](const Element& element, const std::string& /*place*/) {
+        return std::string(element.getAttribute("p"));
+    });
+}
+
+std::vector<std::string> valuesByPlace(const std::string& report) {
+    return valuesBy(report, [](const Element& /*element*/, const std::string& place) { return place; });
+}
 
 std::string faultIn(const std::string& report) {
     try {

@@ -1,6 +1,7 @@
 #include "counters/KernelDelta.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <string_view>
 #include <type_traits>
@@ -25,27 +26,12 @@ struct IncreaseBetween {
         return {now - before};
     }
 
-    Increase operator()(const std::vector<std::uint64_t>& before, std::vector<std::uint64_t> now) const {
-        if (before.size() != now.size()) {
-            return {now, true};
-        }
-        bool suspect = false;
-        for (std::size_t i = 0; i < now.size(); ++i) {
-            if (now[i] < before[i]) {
-                suspect = true;
-            } else {
-                now[i] -= before[i];
-            }
-        }
-        return {now, suspect};
-    }
-
     /// Both parts restart together, for the increase of one over the whole count of the other means nothing.
     Increase operator()(const Ratio& before, const Ratio& now) const {
         if (now.part < before.part || now.whole < before.whole) {
             return {now, true};
         }
-        return {Ratio{now.part - before.part, now.whole - before.whole}};
+        return {Ratio{now.part - before.part, now.whole - before.whole, now.scale}};
     }
 
     /// There was nothing before that `now` compares with.
@@ -55,29 +41,24 @@ struct IncreaseBetween {
     }
 };
 
-std::int64_t toSigned(std::uint64_t number) {
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    return static_cast<std::int64_t>(std::min(number, largest));
-}
-
-/// Visits a reading to deliver it.
+/// Visits a reading to deliver it; what is larger than a value can be is delivered as the largest.
 struct Delivered {
     MeasuredValue operator()(Nil nil) const { return nil; }
-    MeasuredValue operator()(std::uint64_t number) const { return toSigned(number); }
-    MeasuredValue operator()(double number) const { return number; }
 
-    MeasuredValue operator()(const std::vector<std::uint64_t>& numbers) const {
-        std::vector<std::int64_t> values(numbers.size());
-        std::transform(numbers.begin(), numbers.end(), values.begin(), toSigned);
-        return values;
+    MeasuredValue operator()(std::uint64_t number) const {
+        return static_cast<std::int64_t>(std::min(number, static_cast<std::uint64_t>(largest)));
     }
 
     MeasuredValue operator()(const Ratio& ratio) const {
         if (ratio.whole == 0) {
             return Nil{};
         }
-        return static_cast<double>(ratio.part) / static_cast<double>(ratio.whole);
+        const double quotient = static_cast<double>(ratio.part) * static_cast<double>(ratio.scale) /
+                                static_cast<double>(ratio.whole);
+        return quotient < static_cast<double>(largest) ? std::int64_t{std::llround(quotient)} : largest;
     }
+
+    static constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 };
 
 Measurement measure(const ValueType& type, const Reading& before, const Reading& now) {
@@ -86,6 +67,14 @@ Measurement measure(const ValueType& type, const Reading& before, const Reading&
     }
     const Increase increase = std::visit(IncreaseBetween{}, before, now);
     return {std::string(type.name), std::visit(Delivered{}, increase.value), increase.suspect};
+}
+
+Reading readingOf(const SampledObject* object, std::string_view type) {
+    if (object == nullptr) {
+        return Nil{};
+    }
+    const auto reading = object->readings.find(type);
+    return reading == object->readings.end() ? Nil{} : reading->second;
 }
 
 bool isLdnCharacter(char c) {
@@ -114,11 +103,11 @@ MeasuredClass measureDelta(const KernelClass& kernelClass, const Sample& before,
             continue;
         }
         const auto previous = known.find(object.name);
+        const SampledObject* const old = previous == known.end() ? nullptr : previous->second;
         MeasuredObject& result = measured.objects.emplace_back();
         result.ldn = ldnOf(kernelClass, object.name);
-        for (std::size_t i = 0; i < kernelClass.types.size(); ++i) {
-            const Reading old = previous == known.end() ? Nil{} : previous->second->readings[i];
-            result.values.push_back(measure(kernelClass.types[i], old, object.readings[i]));
+        for (const ValueType& type : kernelClass.types) {
+            result.values.push_back(measure(type, readingOf(old, type.name), readingOf(&object, type.name)));
             result.values.back().suspect |= coverage == Coverage::Partial;
         }
     }

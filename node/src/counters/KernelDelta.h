@@ -9,7 +9,8 @@ namespace VorNode {
 
 /// What the objects present in `now` did since `before`: counters by their increase, gauges as read in
 /// `now`. A counter that went backwards, or that `before` does not have, delivers its new reading - the count
-/// since its reset or appearance - and is suspect; with `Coverage::Partial` every value is.
+/// since its reset or appearance - and is suspect; with `Coverage::Partial` every value is. Every object has
+/// a value, or Nil, for every type of the class, in the class's order.
 MeasuredClass measureDelta(const KernelClass& kernelClass, const Sample& before, const Sample& now,
                            Coverage coverage);
 

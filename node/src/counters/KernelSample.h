@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -14,34 +15,37 @@
 
 namespace VorNode {
 
-/// A quotient. As a gauge it is part / whole, as a counter the increase of part / the increase of whole;
-/// without a whole it has no value.
+/// A quotient, delivered as scale * part / whole, rounded. As a gauge it is that of part and whole, as a
+/// counter that of their increases; without a whole it has no value.
 struct Ratio {
     std::uint64_t part = 0;
     std::uint64_t whole = 0;
+    std::uint64_t scale = 1;
 };
 
-/// The share of `part` in `whole`, in percent.
-constexpr Ratio percentage(std::uint64_t part, std::uint64_t whole) {
-    return {100 * part, whole};
+/// The share of `part` in `whole`, in hundredths of a per cent.
+constexpr Ratio share(std::uint64_t part, std::uint64_t whole) {
+    return {part, whole, 10'000};
 }
 
-/// One reading of one measurement type. A counter is a number, an array of numbers or a ratio.
-using Reading = std::variant<Nil, std::uint64_t, double, std::vector<std::uint64_t>, Ratio>;
+/// One reading of one measurement type.
+using Reading = std::variant<Nil, std::uint64_t, Ratio>;
+
+/// The readings of an object by the types' names.
+using Readings = std::map<std::string_view, Reading>;
 
 /// A number that may not have been readable, as a reading.
-template <typename Number>
-Reading orNil(const std::optional<Number>& number) {
+inline Reading orNil(const std::optional<std::uint64_t>& number) {
     return number ? Reading(*number) : Reading(Nil{});
 }
 
 /// The name of the object of a class that has one object only.
 inline constexpr const char* onlyObject = "1";
 
-/// The readings of one object, one for each type of its class and in their order.
+/// One object. A type of its class that has no reading here has no value.
 struct SampledObject {
     std::string name;
-    std::vector<Reading> readings;
+    Readings readings;
     /// An object that is not reported still counts as present when the next sample is compared.
     bool reported = true;
 };
@@ -52,10 +56,12 @@ using Sample = std::vector<SampledObject>;
 /// A counter is delivered as its increase over the period, a gauge as it reads at the end.
 enum class Kind { Counter, Gauge };
 
-/// One measurement type of a class.
+/// One measurement type of a class, with what operators are told of it.
 struct ValueType {
     std::string_view name;
     Kind kind;
+    std::string_view unit;
+    std::string_view meaning;
 };
 
 /// The folders at which the kernel's proc and sys file systems are found.
@@ -64,13 +70,29 @@ struct KernelFolders {
     std::filesystem::path sys;
 };
 
-/// A class of objects that the kernel counts for: its name, its types and the reader of its samples.
-/// The reader returns no objects, or objects without values, when there is nothing to read, and never throws
-/// for what it reads.
+/// A class of objects that the kernel counts for.
 struct KernelClass {
+    /// Returns no objects, or objects without readings, when there is nothing to read, and never throws for
+    /// what it reads.
+    using Reader = Sample (*)(const KernelFolders& folders);
+
+    /// Refuses types that are not in byte-wise order of their names: the reports list them in that order, and
+    /// collectors take the values by their place in it.
+    consteval KernelClass(std::string_view className, std::string_view objectsMeaning,
+                          std::span<const ValueType> classTypes, Reader reader)
+        : name(className), objects(objectsMeaning), types(classTypes), read(reader) {
+        for (std::size_t i = 1; i < types.size(); ++i) {
+            if (types[i].name <= types[i - 1].name) {
+                throw "types are not in byte-wise order of their names";
+            }
+        }
+    }
+
     std::string_view name;
+    /// What its objects are, and from which files they are read.
+    std::string_view objects;
     std::span<const ValueType> types;
-    Sample (*read)(const KernelFolders& folders);
+    Reader read;
 };
 
 }  // namespace VorNode

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <fstream>
 #include <system_error>
 
@@ -11,17 +10,6 @@ namespace VorNode {
 namespace {
 
 constexpr std::string_view blanks = " \t";
-
-template <typename Number>
-std::optional<Number> parseWhole(std::string_view text) {
-    Number number{};
-    const char* const end = text.data() + text.size();
-    const auto [rest, error] = std::from_chars(text.data(), end, number);
-    if (error != std::errc{} || rest != end) {
-        return std::nullopt;
-    }
-    return number;
-}
 
 }  // namespace
 
@@ -66,12 +54,21 @@ std::pair<std::string_view, std::string_view> splitPair(std::string_view text, c
 }
 
 std::optional<std::uint64_t> parseCount(std::string_view text) {
-    return parseWhole<std::uint64_t>(text);
+    std::uint64_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc{} || rest != end) {
+        return std::nullopt;
+    }
+    return number;
 }
 
-std::optional<double> parseFloat(std::string_view text) {
-    const auto number = parseWhole<double>(text);
-    return number && std::isfinite(*number) ? number : std::nullopt;
+std::optional<std::uint64_t> parseHundredths(std::string_view text) {
+    const auto [whole, hundredths] = splitPair(text, '.');
+    if (whole.empty() || hundredths.size() != 2) {
+        return std::nullopt;
+    }
+    return parseCount(std::string(whole).append(hundredths));
 }
 
 std::vector<std::uint64_t> parseCounts(std::span<const std::string_view> fields) {

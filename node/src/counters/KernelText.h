@@ -37,8 +37,8 @@ std::pair<std::string_view, std::string_view> splitPair(std::string_view text, c
 /// The unsigned number that makes up the whole of `text`.
 std::optional<std::uint64_t> parseCount(std::string_view text);
 
-/// The finite number that makes up the whole of `text`.
-std::optional<double> parseFloat(std::string_view text);
+/// The hundredths in a number such as "12.05", which makes up the whole of `text`.
+std::optional<std::uint64_t> parseHundredths(std::string_view text);
 
 /// The unsigned numbers that `fields` hold; empty when one of them is none.
 std::vector<std::uint64_t> parseCounts(std::span<const std::string_view> fields);

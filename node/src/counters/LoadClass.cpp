@@ -6,11 +6,14 @@ namespace VorNode {
 namespace {
 
 constexpr ValueType types[]{
-    {"average1", Kind::Gauge},   // tasks running or waiting for CPU or disk, mean of 1 minute
-    {"average5", Kind::Gauge},   // the same of 5 minutes
-    {"average15", Kind::Gauge},  // the same of 15 minutes
-    {"runnable", Kind::Gauge},   // scheduling entities running or ready to run
-    {"entities", Kind::Gauge},   // scheduling entities that exist
+    {"average15Hundredths", Kind::Gauge, "0.01 tasks",
+     "tasks that run or wait for CPU or disk, mean of 15 minutes"},
+    {"average1Hundredths", Kind::Gauge, "0.01 tasks",
+     "tasks that run or wait for CPU or disk, mean of 1 minute"},
+    {"average5Hundredths", Kind::Gauge, "0.01 tasks",
+     "tasks that run or wait for CPU or disk, mean of 5 minutes"},
+    {"entities", Kind::Gauge, "entities", "scheduling entities that exist"},
+    {"runnable", Kind::Gauge, "entities", "scheduling entities that run or are ready to run"},
 };
 
 Sample readLoad(const KernelFolders& folders) {
@@ -19,14 +22,19 @@ Sample readLoad(const KernelFolders& folders) {
         if (fields.size() < 4) {
             continue;
         }
-        const auto average1 = parseFloat(fields[0]);
-        const auto average5 = parseFloat(fields[1]);
-        const auto average15 = parseFloat(fields[2]);
+        const auto average1 = parseHundredths(fields[0]);
+        const auto average5 = parseHundredths(fields[1]);
+        const auto average15 = parseHundredths(fields[2]);
         const auto [runnableText, entitiesText] = splitPair(fields[3], '/');
         const auto runnable = parseCount(runnableText);
         const auto entities = parseCount(entitiesText);
         if (average1 && average5 && average15 && runnable && entities) {
-            return {{onlyObject, {*average1, *average5, *average15, *runnable, *entities}}};
+            return {{onlyObject,
+                     {{"average1Hundredths", *average1},
+                      {"average5Hundredths", *average5},
+                      {"average15Hundredths", *average15},
+                      {"runnable", *runnable},
+                      {"entities", *entities}}}};
         }
     }
     return {};
@@ -34,6 +42,6 @@ Sample readLoad(const KernelFolders& folders) {
 
 }  // namespace
 
-constinit const KernelClass loadClass{"Load", types, readLoad};
+constinit const KernelClass loadClass{"Load", "the machine, from `/proc/loadavg`", types, readLoad};
 
 }  // namespace VorNode

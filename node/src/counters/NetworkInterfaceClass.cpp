@@ -8,18 +8,18 @@ namespace VorNode {
 namespace {
 
 constexpr ValueType types[]{
-    {"rxBytes", Kind::Counter},    // bytes received
-    {"rxPackets", Kind::Counter},  // packets received
-    {"rxErrors", Kind::Counter},   // receive errors
-    {"rxDropped", Kind::Counter},  // received packets dropped
-    {"txBytes", Kind::Counter},    // bytes sent
-    {"txPackets", Kind::Counter},  // packets sent
-    {"txErrors", Kind::Counter},   // send errors
-    {"txDropped", Kind::Counter},  // packets dropped instead of sent
-    {"speed", Kind::Gauge},        // Mbit/s of the link
+    {"rxBytes", Kind::Counter, "bytes", "bytes received"},
+    {"rxDropped", Kind::Counter, "packets", "received packets dropped"},
+    {"rxErrors", Kind::Counter, "errors", "receive errors"},
+    {"rxPackets", Kind::Counter, "packets", "packets received"},
+    {"speed", Kind::Gauge, "Mbit/s", "speed of the link, from `/sys/class/net/<interface>/speed`"},
+    {"txBytes", Kind::Counter, "bytes", "bytes sent"},
+    {"txDropped", Kind::Counter, "packets", "packets dropped instead of sent"},
+    {"txErrors", Kind::Counter, "errors", "send errors"},
+    {"txPackets", Kind::Counter, "packets", "packets sent"},
 };
 
-/// In Mbit/s; Nil for an interface that has no speed: reading fails, or gives -1.
+/// Nil for an interface that has no speed: reading fails, or gives -1.
 Reading readSpeed(const KernelFolders& folders, std::string_view interface) {
     const auto lines = readLines(folders.sys / "class" / "net" / interface / "speed");
     return lines.empty() ? Reading(Nil{}) : orNil(parseCount(lines[0]));
@@ -34,18 +34,23 @@ Sample readNetworkInterfaces(const KernelFolders& folders) {
         if (counts.size() < columns) {
             continue;
         }
-        SampledObject& object = sample.emplace_back();
-        object.name = interface.name;
-        for (const std::size_t column : {0U, 1U, 2U, 3U, 8U, 9U, 10U, 11U}) {
-            object.readings.emplace_back(counts[column]);
-        }
-        object.readings.push_back(readSpeed(folders, interface.name));
+        sample.push_back({std::string(interface.name),
+                          {{"rxBytes", counts[0]},
+                           {"rxPackets", counts[1]},
+                           {"rxErrors", counts[2]},
+                           {"rxDropped", counts[3]},
+                           {"txBytes", counts[8]},
+                           {"txPackets", counts[9]},
+                           {"txErrors", counts[10]},
+                           {"txDropped", counts[11]},
+                           {"speed", readSpeed(folders, interface.name)}}});
     }
     return sample;
 }
 
 }  // namespace
 
-constinit const KernelClass networkInterfaceClass{"NetworkInterface", types, readNetworkInterfaces};
+constinit const KernelClass networkInterfaceClass{
+    "NetworkInterface", "each network interface, from `/proc/net/dev`", types, readNetworkInterfaces};
 
 }  // namespace VorNode

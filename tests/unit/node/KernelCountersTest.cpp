@@ -1,12 +1,13 @@
 #include <filesystem>
-#include <map>
-#include <sstream>
+#include <string>
 
 #include <Poco/TemporaryFile.h>
 #include <gmock/gmock.h>
 
-#include "Golden.h"
 #include "InputError.h"
+#include "KernelFiles.h"
+#include "TemporaryRoot.h"
+#include "counters/KernelClasses.h"
 #include "counters/KernelCounters.h"
 
 namespace VorNode {
@@ -14,35 +15,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The texts of a golden file by the headings of its sections, such as "begin proc/stat" and "expect first".
-using Sections = std::map<std::string, std::string>;
-
-Sections readSections(const std::string& name) {
-    std::istringstream file(VorTest::golden("kernel/" + name + ".txt"));
-    Sections sections;
-    std::string* text = nullptr;
-    for (std::string line; std::getline(file, line);)
-        if (line.starts_with("== "))
-            text = &sections[line.substr(3)];
-        else
-            *text += line + "\n";
-    return sections;
-}
-
-/// A line for each object: its ldn and values, with f after a float and ! after a suspect value. A line of
-/// the types goes before the first object and each whose types differ from those of the one before.
+/// A line for each object: its ldn and values, with ! after a suspect value. A line of the types goes before
+/// the first object and each whose types differ from those of the one before.
 std::string print(const MeasuredClass& measured) {
-    const auto textOf = [](const auto& value) {
-        using ValueT = std::decay_t<decltype(value)>;
-        const char* const mark = std::is_same_v<ValueT, double> ? "f" : "";
-        return std::is_same_v<ValueT, Nil> ? " nil" : " " + testing::PrintToString(value) + mark;
+    const auto textOf = [](const MeasuredValue& value) {
+        return std::holds_alternative<Nil>(value) ? " nil"
+                                                  : " " + std::to_string(std::get<std::int64_t>(value));
     };
     std::string text, printed;
     for (const MeasuredObject& object : measured.objects) {
         std::string types, line = object.ldn;
         for (const Measurement& value : object.values) {
             types += (types.empty() ? "" : " ") + value.type;
-            line += std::visit(textOf, value.value) + (value.suspect ? "!" : "");
+            line += textOf(value.value) + (value.suspect ? "!" : "");
         }
         text += (types != printed ? types + "\n" : "") + line + "\n";
         printed = types;
@@ -67,19 +52,14 @@ TEST(KernelCounters, measureTheClassesAskedForInTheirOrder) {
 
     for (const std::string moment : {"begin", "first", "second"}) {
         for (const std::string& name : classes)
-            for (const auto& [heading, text] : readSections(name))
-                if (const auto file = root / heading.substr(heading.find(' ') + 1);
-                    heading.starts_with(moment)) {
-                    fs::create_directories(file.parent_path());
-                    VorTest::writeFile(file, text);
-                }
+            VorTest::writeKernelFiles(name, moment, root);
         if (moment == "begin") {
             job->begin();
             continue;
         }
         const MeasurementData data = job->cut(Coverage::Whole);
         for (std::size_t i = 0; i < classes.size(); ++i)
-            EXPECT_EQ(print(data.at(i)), readSections(classes[i]).at("expect " + moment));
+            EXPECT_EQ(print(data.at(i)), VorTest::kernelTexts(classes[i]).at("expect " + moment));
     }
     for (const MeasuredClass& measured : job->cut(Coverage::Partial))
         for (const MeasuredObject& object : measured.objects)
@@ -89,6 +69,32 @@ TEST(KernelCounters, measureTheClassesAskedForInTheirOrder) {
     EXPECT_THAT(startUnknown, testing::ThrowsMessage<InputError>(
                                   "job J1: no measurement class is named \"Weather\"; use some of Processor, "
                                   "Memory, NetworkInterface, Disk, Load, Pressure, Softirqs"));
+}
+
+/// What the operators' page has to say of a class.
+std::string describe(const KernelClass& kernelClass) {
+    std::string text = "### " + std::string(kernelClass.name) + "\n\nObjects: ";
+    text.append(kernelClass.objects).append(".\n\n| type | meaning | unit | kind |\n|---|---|---|---|\n");
+    for (const ValueType& type : kernelClass.types)
+        text.append("| `")
+            .append(type.name)
+            .append("` | ")
+            .append(type.meaning)
+            .append(" | ")
+            .append(type.unit)
+            .append(type.kind == Kind::Counter ? " | counted in the period |\n" : " | value at its end |\n");
+    return text + "\n";
+}
+
+TEST(KernelCounters, AreAllToldOfOnTheOperatorsPage) {
+    const std::string page = VorTest::readFile(VOR_GOLDEN_FOLDER "/../../docs/operations.md");
+    const std::size_t section = page.find("\n## The kernel's counters\n");
+    ASSERT_NE(section, std::string::npos);
+    const std::size_t begin = page.find("### ", section), end = page.find("\n## ", begin) + 1;
+    std::string told;
+    for (const KernelClass* kernelClass : kernelClasses())
+        told += describe(*kernelClass);
+    EXPECT_EQ(page.substr(begin, end - begin), told);
 }
 
 }  // namespace
