@@ -30,11 +30,66 @@ KelMgmtSpiInterface_1 optionalInterfaces[] = {
 
 KelMgmtSpiInterface_1 fileManagement = {"VorFileManagementComponent", "VorOamSpiManagedObject", "3"};
 
-/// A step of the start that failed in a way that leaves no choice but to refuse the start; the text is empty
-/// when the step told why.
+/// A step of the start failed in a way that leaves no choice but to refuse the start.
 class StartRefused : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;
+};
+
+/// The same; the step has logged why.
+class StartRefusedAndLogged {};
+
+/// A capability that is announced at start.
+struct Capability {
+    /// 0, or the write's failure. Throws `StartRefusedAndLogged` when the setting that is written cannot be
+    /// read.
+    KelReturnT (*announce)(PmDataCollector& collector, PmConfigHandler& settings);
+    /// The message when the model has no such attribute; null when it must have it.
+    const char* absent;
+    const char* failed;
+};
+
+/// In the order in which they are announced.
+constexpr Capability capabilities[] = {
+    {[](PmDataCollector& collector, PmConfigHandler& settings) -> KelReturnT {
+         unsigned short max = 0;
+         if (settings.getMaxNoOfPmFiles(max) != VorReturnOk) {
+             throw StartRefusedAndLogged();
+         }
+         return collector.setMaxNoOfPmFiles(max);
+     },
+     nullptr, "Error setting maxNoOfPmFiles attribute. PM will fail to start."},
+    {[](PmDataCollector& collector, PmConfigHandler&) -> KelReturnT {
+         return collector.setFileRPSupported(false);
+     },
+     "The fileRPSupported attribute does not exist. Assuming PM 1.2 functionality.",
+     "Error setting fileRPSupported attribute. PM will fail to start."},
+    {[](PmDataCollector& collector, PmConfigHandler&) -> KelReturnT {
+         return collector.setJobGroupingSupport();
+     },
+     "The PmCapabilities::jobGroupingSupport attribute does not exist. JobGrouping will be disabled",
+     "Error setting jobGroupingSupport attribute. PM will fail to start."},
+    {[](PmDataCollector& collector, PmConfigHandler&) -> KelReturnT {
+         return collector.setSupportedRopPeriods();
+     },
+     "The PmCapabilities::supportedRopPeriods attribute does not exist. Supported ROP Periods will not be "
+     "visible over the NBI",
+     "Error setting supportedRopPeriods attribute. PM will fail to start."},
+    {[](PmDataCollector& collector, PmConfigHandler&) -> KelReturnT {
+         return collector.setSupportedCompressionTypes();
+     },
+     "The attribute 'supportedCompressionTypes' does not exist. PM ROP file compression will be disabled.",
+     "Unable to set the attribute 'supportedCompressionTypes'. PM will fail to start."},
+    {[](PmDataCollector& collector, PmConfigHandler& settings) -> KelReturnT {
+         bool utc = false;
+         if (settings.getBooleanValueFromCfg("produceRopFilesInUtcFormat", utc) != VorReturnOk) {
+             throw StartRefusedAndLogged();
+         }
+         return collector.setProducesUtcRopFiles(utc);
+     },
+     "The attribute 'producesUtcRopFiles' does not exist. PM ROP files will be generated in LocalTime format "
+     "only.",
+     "Error setting 'producesUtcRopFiles' attribute. PM will fail to start."},
 };
 
 /// The framework's callbacks: nothing thrown may reach it.
@@ -88,34 +143,12 @@ KelReturnT VorPmComponent::initialize(const char* configPath) {
     return result;
 }
 
-const VorPmComponent::Capability VorPmComponent::capabilities[] = {
-    {&VorPmComponent::announceMaxNoOfPmFiles, nullptr,
-     "Error setting maxNoOfPmFiles attribute. PM will fail to start."},
-    {&VorPmComponent::announceFileRPSupport,
-     "The fileRPSupported attribute does not exist. Assuming PM 1.2 functionality.",
-     "Error setting fileRPSupported attribute. PM will fail to start."},
-    {&VorPmComponent::announceJobGrouping,
-     "The PmCapabilities::jobGroupingSupport attribute does not exist. JobGrouping will be disabled",
-     "Error setting jobGroupingSupport attribute. PM will fail to start."},
-    {&VorPmComponent::announceRopPeriods,
-     "The PmCapabilities::supportedRopPeriods attribute does not exist. Supported ROP Periods will not be "
-     "visible over the NBI",
-     "Error setting supportedRopPeriods attribute. PM will fail to start."},
-    {&VorPmComponent::announceCompressionTypes,
-     "The attribute 'supportedCompressionTypes' does not exist. PM ROP file compression will be disabled.",
-     "Unable to set the attribute 'supportedCompressionTypes'. PM will fail to start."},
-    {&VorPmComponent::announceUtcRopFiles,
-     "The attribute 'producesUtcRopFiles' does not exist. PM ROP files will be generated in LocalTime format "
-     "only.",
-     "Error setting 'producesUtcRopFiles' attribute. PM will fail to start."},
-};
-
 KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
     LOG_TRACE(" >> Reason: %d", reason);
     LOG_TRACE("Starting Pm Component");
     try {
         if (dataCollector != nullptr && cleanup() == VorReturnFailed) {
-            throw StartRefused("");
+            throw StartRefusedAndLogged();
         }
         interceptor.deregisterInterceptor();
         if (connectDataCollector() == VorReturnAbsent) {
@@ -127,14 +160,7 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
         if (initializeReportPathForNBI() != VorReturnOk) {
             LOG_WARNING("initializeReportPathForNBI failed to set either fileGroup or fileLocation");
         }
-        for (const Capability& capability : capabilities) {
-            const KelReturnT result = (this->*capability.announce)();
-            if (result == VorReturnAbsent && capability.absent != nullptr) {
-                LOG_INFORMATION("%s", capability.absent);
-            } else if (result != VorReturnOk) {
-                throw StartRefused(capability.failed);
-            }
-        }
+        announceCapabilities();
         prepareReportStorage();
         startTaskManager();
         const KelReturnT result = PmEventConsumer::instance().start(portalV3);
@@ -144,9 +170,9 @@ KelReturnT VorPmComponent::start(KelStateChangeReason reason) {
             return result;
         }
     } catch (const StartRefused& refusal) {
-        if (*refusal.what() != '\0') {
-            LOG_ERROR("%s", refusal.what());
-        }
+        LOG_ERROR("%s", refusal.what());
+        return VorReturnFailed;
+    } catch (const StartRefusedAndLogged&) {
         return VorReturnFailed;
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Vor Exception while starting VorPmComponent: %s", fault.what());
@@ -209,36 +235,15 @@ bool VorPmComponent::isFileMPresent() {
     return true;
 }
 
-KelReturnT VorPmComponent::announceMaxNoOfPmFiles() {
-    unsigned short max = 0;
-    if (configHandler.getMaxNoOfPmFiles(max) != VorReturnOk) {
-        throw StartRefused("");
+void VorPmComponent::announceCapabilities() {
+    for (const Capability& capability : capabilities) {
+        const KelReturnT result = capability.announce(*dataCollector, configHandler);
+        if (result == VorReturnAbsent && capability.absent != nullptr) {
+            LOG_INFORMATION_IN("start", "%s", capability.absent);
+        } else if (result != VorReturnOk) {
+            throw StartRefused(capability.failed);
+        }
     }
-    return dataCollector->setMaxNoOfPmFiles(max);
-}
-
-KelReturnT VorPmComponent::announceFileRPSupport() {
-    return dataCollector->setFileRPSupported(false);
-}
-
-KelReturnT VorPmComponent::announceJobGrouping() {
-    return dataCollector->setJobGroupingSupport();
-}
-
-KelReturnT VorPmComponent::announceRopPeriods() {
-    return dataCollector->setSupportedRopPeriods();
-}
-
-KelReturnT VorPmComponent::announceCompressionTypes() {
-    return dataCollector->setSupportedCompressionTypes();
-}
-
-KelReturnT VorPmComponent::announceUtcRopFiles() {
-    bool utc = false;
-    if (configHandler.getBooleanValueFromCfg("produceRopFilesInUtcFormat", utc) != VorReturnOk) {
-        throw StartRefused("");
-    }
-    return dataCollector->setProducesUtcRopFiles(utc);
 }
 
 void VorPmComponent::prepareReportStorage() {

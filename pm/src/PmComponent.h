@@ -37,27 +37,12 @@ class VorPmComponent : public Vor::KelComponent<VorPmComponent> {
     friend class Vor::Singleton<VorPmComponent>;
     VorPmComponent();
 
-    /// A capability that is announced at start.
-    struct Capability {
-        /// 0, or the write's failure. Throws when the setting that is written cannot be read.
-        KelReturnT (VorPmComponent::*announce)();
-        /// The message when the model has no such attribute; null when it must have it.
-        const char* absent;
-        const char* failed;
-    };
-    static const Capability capabilities[];
-
     KelReturnT connectDataCollector();
     /// Tells clients where the reports are. 0 or -1.
     KelReturnT initializeReportPathForNBI();
     /// True when the node has file management.
     bool isFileMPresent();
-    KelReturnT announceMaxNoOfPmFiles();
-    KelReturnT announceFileRPSupport();
-    KelReturnT announceJobGrouping();
-    KelReturnT announceRopPeriods();
-    KelReturnT announceCompressionTypes();
-    KelReturnT announceUtcRopFiles();
+    void announceCapabilities();
     void prepareReportStorage();
     void startTaskManager();
 

@@ -11,6 +11,7 @@
 #include "PmReportWriter.h"
 #include "PmTask.h"
 #include "PmUtils.h"
+#include "ScopeGuard.h"
 
 namespace VorPm {
 
@@ -61,33 +62,25 @@ PmTaskManager::~PmTaskManager() {
 KelReturnT PmTaskManager::pushGp(const VorOamSpiPmEventValue_1& event) {
     LOG_TRACE(" >> ");
     Poco::Mutex::ScopedLock lock(_queueMutex);
-    const std::uint64_t phaseBefore = _phase;
-    bool accepted = false;
-    bool held = false;
-    try {
-        accepted = isValid(event);
-        if (accepted) {
-            QueuedGp queued{createHolder(event), _phase};
-            held = !queued.gp.isNull();
-            if (held) {
-                _queue.push_back(std::move(queued));
-            }
-        }
-    } catch (...) {
+    ScopeGuard handBackUnlessTaken([&] { _dataCollector.releaseGp(event.gpId); });
+    ScopeGuard closePhaseUnlessQueued([this, phaseBefore = _phase] {
         if (_phase != phaseBefore) {
             abandonPhase();
         }
-        if (!held) {
-            _dataCollector.releaseGp(event.gpId);
-        }
-        throw;
-    }
-    if (!accepted) {
-        _dataCollector.releaseGp(event.gpId);
-    } else if (!held) {
-        LOG_ERROR("No PM interface found");
-        return VorReturnAbsent;
+    });
+    if (!isValid(event)) {
+        handBackUnlessTaken.run();
     } else {
+        QueuedGp queued{createHolder(event), _phase};
+        // From here on the holder hands the GP back.
+        handBackUnlessTaken.dismiss();
+        if (queued.gp.isNull()) {
+            closePhaseUnlessQueued.dismiss();
+            LOG_ERROR("No PM interface found");
+            return VorReturnAbsent;
+        }
+        _queue.push_back(std::move(queued));
+        closePhaseUnlessQueued.dismiss();
         _gpAvailable.set();
     }
     LOG_TRACE(" << ");
