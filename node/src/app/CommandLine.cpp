@@ -65,8 +65,10 @@ RunOptions parseCommandLine(int argc, const char* const* argv) {
     run.add_option(
         "--reports", options.reports,
         "End after so many collection phases that published something; 0 runs until SIGINT or SIGTERM");
-    run.add_flag("--capabilities", options.capabilitiesOnly,
-                 "Show the measurement capabilities as a management client reads them, and end");
+    run.add_flag(
+        "--capabilities", options.capabilitiesOnly,
+        "Show the measurement capabilities as a management client reads them, and end; the component "
+        "starts for it, and tidies up the storage like at any start");
     run.add_option("--log-level", options.node.logLevel,
                    "Log lines on standard error: 3 errors, 4 warnings, 6 information, 8 traces")
         ->check(CLI::Range(3, 8));
