@@ -99,6 +99,24 @@ TEST_F(EventConsumerTest, RunsNoCallbackOnceStopHasReturned) {
     EXPECT_EQ(subscriber.calls, 1);
 }
 
+TEST_F(EventConsumerTest, TakesAnEventThatComesWithItsSubscription) {
+    engine.routerTable.addSubscription = [](auto handle, auto type, auto filter) {
+        EXPECT_EQ(Consumer::notifyCallback(handle, type, filter, nullptr), 0);
+        return genuine.addSubscription(handle, type, filter);
+    };
+    start();
+    EXPECT_EQ(subscriber.calls, 1);
+    consumer.stop();
+}
+
+TEST_F(EventConsumerTest, IsSubscribedOnceHoweverOftenItIsStarted) {
+    start();
+    start();
+    EXPECT_EQ(send(), 1U);
+    consumer.stop();
+    EXPECT_EQ(send(), 0U);
+}
+
 TEST(PmEventConsumer, PassesOnNoEventWithoutTypeValueOrReceiver) {
     struct : VorPm::IPmEventManager {
         KelReturnT pushGp(const VorOamSpiPmEventValue_1&) override { return ++pushed, -2; }

@@ -1,3 +1,5 @@
+#include <set>
+
 #include <gmock/gmock.h>
 
 #include "MoAccessor.h"
@@ -5,6 +7,8 @@
 #include "PmEngine.h"
 
 namespace VorTest {
+
+using Vor::MoAccessor;
 
 TEST(MoAccessor, LooksAtNumberAndTypeInTheirOrder) {
     PmEngine engine;
@@ -27,6 +31,58 @@ TEST(MoAccessor, LooksAtNumberAndTypeInTheirOrder) {
                 refuses("Failed to set attribute :'a' in MO :d, reason (-2 )!"));
     EXPECT_EQ(engine.messages(), (Texts{"3 getAttr " + sequence, "3 getOptionalAttr " + sequence,
                                         "3 setSeqAttr Failed to write 'a' from MO ( error:-2 )!"}));
+}
+
+TEST(MoAccessor, RefusesTheValueOfAnotherType) {
+    PmEngine engine;
+    engine.model->commit({{capabilitiesDn, "supportedRopPeriods", {std::int16_t{1}}}});
+    EXPECT_THAT([] { MoAccessor(1, 60).getAttr<std::string>(capabilitiesDn, "supportedRopPeriods"); },
+                testing::ThrowsMessage<Vor::VorException>("Attribute has type 4, expected 1"));
+}
+
+TEST(MoAccessor, GivesEveryContainerBackAlsoWhenItRefusesIt) {
+    static VorMoAttributeValue_3 values[2]{{.number = 7}, {}};
+    static VorMoAttributeValueContainer_3 answer;
+    static int given = 0;
+    PmEngine engine;
+    engine.objectTable.getMoAttribute = [](auto, auto, auto, auto* result) {
+        ++given;
+        *result = {[](auto*) { --given; }, &answer};
+        return KelReturnT{0};
+    };
+    MoAccessor accessor(1, 60);
+    const auto read = [&accessor] { return accessor.getAttr<MoAccessor::Enum>("d", "a"); };
+    answer = {VorMoTypeEnum, 1, values};
+    EXPECT_EQ(read(), 7);
+    answer = {VorMoTypeEnum, 2, values};
+    EXPECT_THROW(read(), Vor::VorException) << "a sequence";
+    answer = {VorMoTypeEnum, 1, nullptr};
+    EXPECT_THROW(read(), Vor::VorException) << "one value, and none there";
+    EXPECT_EQ(given, 0);
+}
+
+TEST(MoAccessor, EndsEveryIterationAlsoWhenThereIsNoInstance) {
+    static VorOamSpiManagedObject_1 genuine;
+    static std::set<unsigned long long> iterators;
+    PmEngine engine;
+    genuine = engine.objectTable;
+    engine.objectTable.newMoIterator = [](auto transaction, auto base, auto path, auto* iterator) {
+        const KelReturnT code = genuine.newMoIterator(transaction, base, path, iterator);
+        iterators.insert(*iterator);
+        return code;
+    };
+    engine.objectTable.finalizeMoIterator = [](auto iterator) {
+        iterators.erase(iterator);
+        return genuine.finalizeMoIterator(iterator);
+    };
+    MoAccessor accessor(1, 60);
+    std::string dn;
+    accessor.getFirstMoInstance("ManagedElement", dn);
+    EXPECT_EQ(dn, elementDn);
+    EXPECT_THROW(accessor.getFirstMoInstance("ManagedElement,None", dn), Vor::VorException);
+    engine.objectTable.nextMo = [](auto, auto** next) { return *next = nullptr, KelReturnT{0}; };
+    EXPECT_THROW(accessor.getFirstMoInstance("ManagedElement", dn), Vor::VorException) << "no name";
+    EXPECT_EQ(iterators.size(), 0U);
 }
 
 TEST(AttributeExists, TellsWhatItDoesNotFind) {
