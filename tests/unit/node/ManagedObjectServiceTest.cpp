@@ -97,5 +97,38 @@ TEST_F(ManagedObjectServiceTest, KnowsItsObjectsInCreationOrder) {
     EXPECT_EQ(table.newMoIterator(0, nullptr, "A,B", &below), VorReturnAbsent);
 }
 
+TEST_F(ManagedObjectServiceTest, CountsNoObjectAsItsOwnChild) {
+    unsigned long long count = 9;
+    EXPECT_EQ(table.countMoChildren(handle, "A=1", "A", &count), VorReturnOk);
+    EXPECT_EQ(count, 0U);
+}
+
+TEST_F(ManagedObjectServiceTest, AnswersOpenTransactionsOnly) {
+    transactions.table().abortTransaction(handle);
+    bool exists = false;
+    unsigned long long count = 0;
+    VorMoAttributeValueResult_3 result{};
+    EXPECT_EQ(table.existsMo(handle, first, &exists), VorReturnAbsent);
+    EXPECT_EQ(table.countMoChildren(handle, first, "A,B", &count), VorReturnAbsent);
+    EXPECT_EQ(table.getMoAttribute(handle, first, "s", &result), VorReturnAbsent);
+    EXPECT_EQ(result.container, nullptr);
+}
+
+TEST_F(ManagedObjectServiceTest, RefusesWhatItCannotDo) {
+    EXPECT_EQ(table.createMo(handle, first, "B", "id", "1", nullptr), VorReturnFailed);
+    EXPECT_EQ(table.deleteMo(handle, second), VorReturnFailed);
+    EXPECT_EQ(table.action(handle, first, "a", nullptr, nullptr), VorReturnFailed);
+    EXPECT_EQ(table.finalizeMoIterator(0), VorReturnFailed);
+}
+
+TEST_F(ManagedObjectServiceTest, RefusesNumbersBelowTheirType) {
+    VorMoAttributeValue_3 negative{.number = -1}, low{.number = -32769}, lowest{.number = -32768};
+    const VorMoAttributeValueContainer_3 u{VorMoTypeUint16, 1, &negative}, e{VorMoTypeEnum, 1, &low},
+        good{VorMoTypeEnum, 1, &lowest};
+    EXPECT_EQ(table.setMoAttribute(handle, first, "u", &u), VorReturnFailed);
+    EXPECT_EQ(table.setMoAttribute(handle, first, "e", &e), VorReturnFailed);
+    EXPECT_EQ(table.setMoAttribute(handle, first, "e", &good), VorReturnOk);
+}
+
 }  // namespace
 }  // namespace VorNode

@@ -10,7 +10,7 @@ namespace {
 /// The repository of the engine, with operations that a test may replace.
 struct ModelRepositoryWrapperTest : testing::Test {
     ModelRepositoryWrapperTest() {
-        auto& repository = reinterpret_cast<VorOamSpiModelRepository_2&>(engine.repository.interface());
+        VorOamSpiModelRepository_2& repository = engine.repository.table();
         classQuery = *std::exchange(repository.classQuery, &classQuery);
         attributeQuery = *std::exchange(repository.attributeQuery, &attributeQuery);
     }

@@ -28,6 +28,8 @@ TEST(Portal, LooksForTheModelRepositoryUntilItIsThere) {
     EXPECT_EQ(lookUps, 2);
     portal.connect(nullptr);
     EXPECT_EQ(portal.modelRepository(), nullptr) << "it was that platform's";
+    portal.connect(&lookUp);
+    EXPECT_EQ(portal.modelRepository(), &repository) << "it is there again";
 }
 
 TEST(Portal, FindsNothingWithoutAPlatform) {

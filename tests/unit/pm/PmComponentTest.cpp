@@ -182,6 +182,25 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
     EXPECT_LT(last.bytes, first.bytes + rounds * 1024);
 }
 
+TEST(PmComponent, LetsNothingThatAPortalThrowsReachTheFramework) {
+    PmEngine engine;
+    KelMgmtSpiPortalAccessor throwing{[](const char*) -> void* { throw 1; }};
+    EXPECT_EQ(kelLCMinit(&throwing, "/"), -1);
+    EXPECT_EQ(engine.messages(), Texts{"3 kelLCMinit Unhandled Exception while initialising VorPmComponent"});
+    ASSERT_EQ(Framework::initialize(engine), 0);
+    Framework::portal3.unregisterComponent = [](auto*) -> KelReturnT { throw 1; };
+    EXPECT_NO_THROW(kelLCMterminate());
+}
+
+TEST(PmComponent, UnsubscribesFromBothEvents) {
+    PmEngine engine;
+    ASSERT_EQ(Framework::initialize(engine), 0);
+    ASSERT_EQ(Framework::start(), 0);
+    ASSERT_EQ(Framework::stop(), 0);
+    EXPECT_EQ(engine.router.send("VorOamSpiPmEventTypeGpReady_1", nullptr), 0U);
+    EXPECT_EQ(engine.router.send("VorOamSpiPmEventTypeGpReady_2", nullptr), 0U);
+}
+
 TEST(PmComponent, CleansUpWhenTheProcessEndsWithoutAStop) {
     PmEngine engine;
     const auto endWithoutStop = [&engine] {

@@ -83,4 +83,39 @@ TEST(PmDataCollector, ComposesTheSoftwareVersion) {
     expectProduct({"D|N R", noInventory});
 }
 
+TEST(PmDataCollector, RefusesAJobWhoseCompressionCannotBeRead) {
+    static decltype(PmEngine::objectTable.getMoAttribute) genuine;
+    PmEngine engine;
+    genuine = engine.objectTable.getMoAttribute;
+    engine.objectTable.getMoAttribute = [](auto transaction, auto dn, auto name, auto* result) {
+        return name == std::string("compressionType") ? KelReturnT{9}
+                                                      : genuine(transaction, dn, name, result);
+    };
+    engine.renew();
+    EXPECT_EQ(engine.announce("Processor", 0, 0), 0);
+    Poco::AutoPtr<PmGpData> gp(new PmGpData({2, "Processor", 0, 0}, &engine.pm2));
+    EXPECT_EQ(engine.collector.populateMo(gp), 0) << "nobody asks";
+    EXPECT_EQ(engine.collector.setSupportedCompressionTypes(), 0);
+    EXPECT_EQ(engine.collector.populateMo(gp), -1);
+    EXPECT_EQ(engine.messages().back(), "3 populateMo PM Couldn't fetch PmJob::compressionType over MO SPI.");
+}
+
+TEST(PmDataCollector, GroupsJobsOnceThisIsAnnounced) {
+    PmEngine engine;
+    engine.renew();
+    EXPECT_EQ(engine.announce("Transport", 0, 0), 0);
+    engine.model->commit({{pmRootDn + ",PmJob=Transport", "jobGroup", {"G"}}});
+    Poco::AutoPtr<PmGpData> gp(new PmGpData({2, "Transport", 0, 0}, &engine.pm2));
+    EXPECT_EQ(engine.collector.populateMo(gp), 0);
+    EXPECT_EQ(gp->_jobGroup, "");
+    engine.objectTable.setMoAttribute = [](auto...) { return KelReturnT{9}; };
+    EXPECT_EQ(engine.collector.setJobGroupingSupport(), -1);
+    EXPECT_EQ(engine.collector.populateMo(gp), 0);
+    EXPECT_EQ(gp->_jobGroup, "") << "it was not announced";
+    engine.objectTable.setMoAttribute = engine.objects.table().setMoAttribute;
+    EXPECT_EQ(engine.collector.setJobGroupingSupport(), 0);
+    EXPECT_EQ(engine.collector.populateMo(gp), 0);
+    EXPECT_EQ(gp->_jobGroup, "G");
+}
+
 }  // namespace VorTest
