@@ -1,3 +1,4 @@
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
@@ -30,6 +31,26 @@ struct Resources {
     long threads = count("/proc/self/task"), descriptors = count("/proc/self/fd");
     std::size_t bytes = ::mallinfo2().uordblks;
 };
+
+/// The iterations and transactions that were begun and have not ended.
+std::atomic<long> unended;
+
+void countUnended(PmEngine& engine) {
+    KelOamSpiTransactionMaster_1& master = engine.transactions.table();
+    static const auto genuineObjects = engine.objectTable;
+    static const auto genuineMaster = master;
+    engine.objectTable.newMoIterator = [](auto... arguments) {
+        return ++unended, genuineObjects.newMoIterator(arguments...);
+    };
+    engine.objectTable.finalizeMoIterator = [](auto iterator) {
+        return --unended, genuineObjects.finalizeMoIterator(iterator);
+    };
+    master.createTransaction = [](auto... arguments) {
+        return ++unended, genuineMaster.createTransaction(arguments...);
+    };
+    master.commitTransaction = [](auto handle) { return --unended, genuineMaster.commitTransaction(handle); };
+    master.abortTransaction = [](auto handle) { return --unended, genuineMaster.abortTransaction(handle); };
+}
 
 const std::string report = "A20260305.1314+0000-1315+0000_vor-node.xml: ";
 
@@ -136,6 +157,7 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
         fetched.set();
         return getGp(id, records);
     };
+    countUnended(engine);
     Vor::LoggingWrapper::instance().setLevel(6);
     ASSERT_EQ(Framework::initialize(engine), 0);
     // Held while an event is on its way, and here to look at what became of them.
@@ -176,6 +198,8 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
         }
         last = Resources();
     }
+    threads.clear();
+    EXPECT_EQ(unended, 0);
     EXPECT_EQ(last.threads, first.threads);
     EXPECT_EQ(last.descriptors, first.descriptors);
     // The heap finds its size in the first rounds; what a round keeps above 1 KiB adds up to more.
