@@ -6,6 +6,7 @@
 
 #include <Poco/DateTimeFormat.h>
 #include <Poco/DateTimeParser.h>
+#include <Poco/Environment.h>
 #include <Poco/Semaphore.h>
 #include <gtest/gtest.h>
 
@@ -167,6 +168,18 @@ void runNodes(const std::string& table) {
 
 TEST(Node, MakesTheReportsOfItsJobs) {
     runNodes("node-runs.txt");
+}
+
+TEST(Node, NamesReportsOfItsOwnModelAfterTheHost) {
+    const WallClock clock(at("2026-03-05T10:00:59+01:00"));
+    std::istringstream course("released");
+    const fs::path model = VorNode::InstallPaths::ofThisProgram().model;
+
+    const std::string seen =
+        NodeRun("sed -i /Utc/d node.xml; cp " + model.string() + " model.xml", "CET-1").follow(course);
+
+    EXPECT_NE(seen.find("A20260305.1000+0100-1001+0100_" + Poco::Environment::nodeName() + ".xml"), seen.npos)
+        << seen;
 }
 
 TEST(Node, AnnouncesCapabilitiesInOrderUntilOneFails) {

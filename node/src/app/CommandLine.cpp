@@ -35,6 +35,11 @@ std::string checkCounters(const std::string& counters) {
     return known ? "" : "'" + counters + "' is neither kernel nor recorded:FILE.json";
 }
 
+std::string checkReports(const std::string& reports) {
+    const bool isNumber = !reports.empty() && reports.find_first_not_of("0123456789") == reports.npos;
+    return isNumber ? "" : "'" + reports + "' is not a number of collection phases";
+}
+
 }  // namespace
 
 RunOptions parseCommandLine(int argc, const char* const* argv) {
@@ -63,8 +68,9 @@ RunOptions parseCommandLine(int argc, const char* const* argv) {
     run.add_option("--root", options.node.root, "The node's storage; reports are in no-backup/ below it");
     run.add_option("--library", options.node.library, "The component's shared library");
     run.add_option(
-        "--reports", options.reports,
-        "End after so many collection phases that published something; 0 runs until SIGINT or SIGTERM");
+           "--reports", options.reports,
+           "End after so many collection phases that published something; 0 runs until SIGINT or SIGTERM")
+        ->check(CLI::Validator(checkReports, "", ""));
     run.add_flag(
         "--capabilities", options.capabilitiesOnly,
         "Show the measurement capabilities as a management client reads them, and end; the component "

@@ -6,6 +6,7 @@
 #include <string>
 
 #include <Poco/Exception.h>
+#include <Poco/String.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -112,6 +113,9 @@ ExitStatus run(const RunOptions& options) {
     RunStatus status(console);
     const std::unique_ptr<MeasurementProducer> producer = makeProducer(options);
     Node node(options.node, *producer, status, console.errorLines());
+    for (const std::string& warning : node.warnings()) {
+        console.writeError("vor-node: warning: " + warning);
+    }
     return options.capabilitiesOnly ? showCapabilities(node, status)
                                     : measure(options, node, status, endingSignals);
 }
@@ -125,7 +129,7 @@ int main(int argc, char** argv) {
     } catch (const CommandLineDone&) {
         return allPublished;
     } catch (const InputError& fault) {
-        std::cerr << "vor-node: " << fault.what() << '\n';
+        std::cerr << "vor-node: " << Poco::replace(std::string(fault.what()), "\n", "\nvor-node: ") << '\n';
         return unusableInput;
     } catch (const std::exception& fault) {
         std::cerr << "vor-node: " << describe(fault) << '\n';

@@ -34,6 +34,9 @@ class MeasurementProducer {
     /// does not know a class, naming those that it knows.
     virtual std::unique_ptr<JobMeasurement> startJob(const std::string& jobId,
                                                      const std::vector<std::string>& classes) = 0;
+
+    /// What people should know before these jobs are measured: each text names the place and what to do.
+    virtual std::vector<std::string> warnings(const std::vector<std::string>& /*jobIds*/) const { return {}; }
 };
 
 }  // namespace VorNode

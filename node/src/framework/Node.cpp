@@ -5,50 +5,33 @@
 #include "InputError.h"
 #include "LoggingWrapper.h"
 #include "Portal.h"
-#include "model/ModelFile.h"
 
 namespace VorNode {
 
 namespace {
 
-/// Runs a step that reads the model; what it refuses is told with the model's file.
-template <class StepT>
-auto withFile(const std::filesystem::path& file, StepT step) {
-    try {
-        return step();
-    } catch (const InputError& fault) {
-        throw InputError(file, 0, fault.what());
+/// All that is at fault is told at once, before anything is locked or started.
+NodeInput usableInput(const NodeOptions& options, MeasurementProducer& producer, Findings& findings) {
+    NodeInput input = readNodeInput(options.configuration, options.model, findings);
+    if (input.model) {
+        checkMeasuring(input, producer, findings);
     }
-}
-
-std::vector<MeasurementJob> readJobs(const Model& model, const std::filesystem::path& file) {
-    return withFile(file, [&model] {
-        if (model.objectsOf("ManagedElement").empty()) {
-            throw InputError("has no object of class ManagedElement; write one");
-        }
-        std::vector<MeasurementJob> jobs = readActiveJobs(model);
-        if (jobs.empty()) {
-            throw InputError("has no active job; write a PmJob object whose jobState is 1");
-        }
-        return jobs;
-    });
+    findings.throwFaults();
+    return input;
 }
 
 }  // namespace
 
 Node::Node(const NodeOptions& options, MeasurementProducer& producer, PmServiceListener& listener,
            std::ostream& log)
-    : _modelFile(options.model),
-      _configuration(loadNodeConfiguration(options.configuration)),
+    : _input(usableInput(options, producer, _findings)),
       _root(options.root),
       _log(log),
-      _model(loadModel(options.model)),
-      _jobs(readJobs(*_model, options.model)),
-      _transactions(*_model),
-      _managedObjects(*_model, _transactions),
-      _client(*_model, _transactions, _managedObjects),
-      _modelRepository(*_model),
-      _pmService(_configuration.pmServiceVersions, _jobs, producer, _router, listener),
+      _transactions(*_input.model),
+      _managedObjects(*_input.model, _transactions),
+      _client(*_input.model, _transactions, _managedObjects),
+      _modelRepository(*_input.model),
+      _pmService(_input.configuration.pmServiceVersions, _input.jobs, producer, _router, listener),
       _framework(_registry),
       _component(options.library) {
     Vor::LoggingWrapper::instance().setLevel(options.logLevel);
@@ -87,7 +70,7 @@ void Node::offerServices() {
     _registry.offer(_transactions.table().identity);
     _registry.offer(_managedObjects.table().identity);
     _registry.offer(_modelRepository.table().identity);
-    if (_configuration.fileManagement == FileManagement::Present) {
+    if (_input.configuration.fileManagement == FileManagement::Present) {
         _registry.offerAs(fileManagement, _managedObjects.table().identity);
     }
     for (KelMgmtSpiInterface_1* version : _pmService.interfaces()) {
@@ -127,15 +110,15 @@ void Node::startComponent() {
     startStep([this] {
         const KelReturnT result = _framework.startComponent();
         if (result != VorReturnOk) {
-            throw std::runtime_error("the component did not start (result " + std::to_string(result) +
-                                     "); the log above tells why");
+            throw InputError("the component did not start (result " + std::to_string(result) +
+                             "); the log above tells why");
         }
     });
 }
 
 void Node::start() {
     startComponent();
-    startStep([this] { withFile(_modelFile, [this] { _pmService.start(); }); });
+    startStep([this] { _pmService.start(); });
 }
 
 void Node::stop() {

@@ -6,14 +6,13 @@
 #include <string>
 #include <vector>
 
+#include "Findings.h"
 #include "framework/ComponentFramework.h"
 #include "framework/ComponentLibrary.h"
 #include "framework/InstallPaths.h"
 #include "framework/InterfaceRegistry.h"
-#include "framework/NodeConfiguration.h"
+#include "framework/NodeInput.h"
 #include "framework/NodeRoot.h"
-#include "model/MeasurementJob.h"
-#include "model/Model.h"
 #include "services/EventRouter.h"
 #include "services/LogService.h"
 #include "services/ManagedObjectService.h"
@@ -41,8 +40,9 @@ struct NodeOptions {
 /// Owned by the application and used by its thread.
 class Node {
   public:
-    /// Prepares everything and loads the component. Throws `InputError` when something that was given cannot
-    /// be used, a dependency of the component that nobody offers included. The producer, the listener and the
+    /// Prepares everything and loads the component. Throws `InputError`, with all faults of configuration and
+    /// model, when something that was given cannot be used, a dependency of the component that nobody offers
+    /// included. The producer, the listener and the
     /// stream for log lines outlive the node.
     Node(const NodeOptions& options, MeasurementProducer& producer, PmServiceListener& listener,
          std::ostream& log);
@@ -52,19 +52,21 @@ class Node {
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
 
-    /// Starts the component. Throws `std::runtime_error` when it refuses; it is stopped then.
+    /// Starts the component. Throws `InputError` when it refuses; it is stopped then.
     void startComponent();
 
-    /// Starts the component, then the measurement jobs. Throws as `startComponent` does, and `InputError`
-    /// when the producer cannot measure what a job asks for; everything is stopped then.
+    /// Starts the component, then the measurement jobs. Throws as `startComponent` does; everything is
+    /// stopped then.
     void start();
 
     /// Stops announcing, then the component, which publishes what is open. Throws `std::runtime_error`, with
     /// all stopped, when the component reports a failure. Does nothing when nothing runs.
     void stop();
 
+    /// What people should know before the start: each names the place and what to do.
+    const std::vector<std::string>& warnings() const { return _findings.warnings(); }
     const NodeRoot& root() const { return _root; }
-    const std::vector<MeasurementJob>& jobs() const { return _jobs; }
+    const std::vector<MeasurementJob>& jobs() const { return _input.jobs; }
     const PmService& pmService() const { return _pmService; }
     const LogService& log() const { return _log; }
     const ManagementClient& client() const { return _client; }
@@ -88,12 +90,10 @@ class Node {
     template <class StepT>
     void startStep(StepT step);
 
-    const std::filesystem::path _modelFile;
-    const NodeConfiguration _configuration;
+    Findings _findings;
+    const NodeInput _input;
     NodeRoot _root;
     LogService _log;
-    const std::unique_ptr<Model> _model;
-    const std::vector<MeasurementJob> _jobs;
     TransactionService _transactions;
     ManagedObjectService _managedObjects;
     ManagementClient _client;

@@ -24,7 +24,7 @@ bool isNameCharacter(unsigned char character) {
 }
 
 bool isIdCharacter(unsigned char character) {
-    constexpr std::string_view refused = "=\"'";
+    constexpr std::string_view refused = "=\"'<&";
     constexpr unsigned char blank = 0x20;
     constexpr unsigned char del = 0x7f;
     return character >= blank && character != del &&

@@ -14,7 +14,7 @@ bool isName(std::string_view text);
 bool isClassPath(std::string_view text);
 
 /// Whether the text is a dn: a name, '=' and an id per class, with commas between them. Ids are not empty and
-/// hold no comma, '=', quote or control character.
+/// hold no comma, '=', quote, '<', '&' or control character.
 bool isDn(std::string_view text);
 
 /// The containment path of the class whose object the dn names; empty for a text that is no dn.

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "InputError.h"
+#include "Findings.h"
 #include "model/Dn.h"
 #include "model/Model.h"
 
@@ -20,10 +20,12 @@ constexpr std::array<std::chrono::seconds, 9> periods{10s, 30s, 1min, 5min, 15mi
 std::chrono::seconds readPeriod(const Model& model, const std::string& dn) {
     const auto number = model.readSingle<std::int16_t>(dn, "granularityPeriod");
     if (!number || *number < 1 || *number > static_cast<std::int16_t>(periods.size())) {
-        throw InputError("job " + dn + ": granularityPeriod " +
-                         (number ? "is " + std::to_string(*number) : "has no enum value") +
-                         "; write 1 (10 s), 2 (30 s), 3 (1 min), 4 (5 min), 5 (15 min), 6 (30 min), 7 (1 h), "
-                         "8 (12 h) or 9 (24 h) into the model");
+        throw model.source().finding(
+            dn, "granularityPeriod",
+            "job " + dn + ": granularityPeriod " +
+                (number ? "is " + std::to_string(*number) : "has no enum value") +
+                "; write 1 (10 s), 2 (30 s), 3 (1 min), 4 (5 min), 5 (15 min), 6 (30 min), 7 (1 h), "
+                "8 (12 h) or 9 (24 h) into the model");
     }
     return periods[static_cast<std::size_t>(*number - 1)];
 }
@@ -36,20 +38,23 @@ std::vector<std::string> readClasses(const Model& model, const std::string& dn) 
         }
     }
     if (classes.empty()) {
-        throw InputError("job " + dn +
-                         ": measuredClasses names no class; write at least one <Value>, such as " +
-                         "Processor, into the model");
+        throw model.source().finding(
+            dn, "measuredClasses",
+            "job " + dn + ": measuredClasses names no class; write at least one <Value>, such as " +
+                "Processor, into the model");
     }
     return classes;
 }
 
 }  // namespace
 
-std::vector<MeasurementJob> readActiveJobs(const Model& model) {
+std::vector<MeasurementJob> readActiveJobs(const Model& model, Findings& findings) {
     std::vector<MeasurementJob> jobs;
     for (const std::string& dn : model.objectsOf(jobClass)) {
         if (model.readSingle<std::int16_t>(dn, "jobState") == activeState) {
-            jobs.push_back({lastIdOf(dn), readPeriod(model, dn), readClasses(model, dn)});
+            findings.collect([&] {
+                jobs.push_back({lastIdOf(dn), readPeriod(model, dn), readClasses(model, dn), dn});
+            });
         }
     }
     return jobs;

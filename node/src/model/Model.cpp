@@ -23,6 +23,17 @@ const AttributeDefinition* ClassDefinition::find(const std::string& attribute) c
     return found != attributes.end() ? &*found : nullptr;
 }
 
+InputError ModelSource::finding(const std::string& dn, const std::string& attribute,
+                                const std::string& text) const {
+    const int line = lineOf(dn, attribute);
+    return {_file, line > 0 ? line : lineOf(dn, ""), text};
+}
+
+int ModelSource::lineOf(const std::string& dn, const std::string& attribute) const {
+    const auto found = _lines.find({dn, attribute});
+    return found != _lines.end() ? found->second : 0;
+}
+
 bool Model::addClass(ClassDefinition definition) {
     if (findClass(definition.path) != nullptr) {
         return false;

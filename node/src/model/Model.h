@@ -12,6 +12,8 @@
 #include <variant>
 #include <vector>
 
+#include "InputError.h"
+
 namespace VorNode {
 
 /// A reference to an object: its dn.
@@ -60,6 +62,26 @@ struct AttributeWrite {
     AttributeValues values;
 };
 
+/// Where a file gives the model's objects and attributes, for messages about them.
+class ModelSource {
+  public:
+    explicit ModelSource(std::string file = {}) : _file(std::move(file)) {}
+
+    void note(const std::string& dn, const std::string& attribute, int line) {
+        _lines[{dn, attribute}] = line;
+    }
+
+    /// A finding about the attribute; about the object when the file does not give the attribute, or it is
+    /// empty; else about the file.
+    InputError finding(const std::string& dn, const std::string& attribute, const std::string& text) const;
+
+  private:
+    int lineOf(const std::string& dn, const std::string& attribute) const;
+
+    std::string _file;
+    std::map<std::pair<std::string, std::string>, int> _lines;
+};
+
 /// The managed-object model: classes, the objects of these classes, and the values of their attributes. Owned
 /// by the application. Classes are added before a second thread uses the model and never change after that,
 /// so their definitions may be kept by address; everything else may be called by any thread.
@@ -68,6 +90,10 @@ class Model {
     Model() = default;
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
+
+    /// Set by whoever fills the model from a file, before a second thread uses the model.
+    ModelSource& source() { return _source; }
+    const ModelSource& source() const { return _source; }
 
     /// False when there is a class of that path already.
     bool addClass(ClassDefinition definition);
@@ -118,6 +144,7 @@ class Model {
     /// Called with the lock held.
     Slot findSlot(const std::string& dn, const std::string& attribute) const;
 
+    ModelSource _source;
     std::deque<ClassDefinition> _classes;
 
     /// Guards the objects and their values.

@@ -7,7 +7,11 @@
 #include <string_view>
 #include <utility>
 
+#include <Poco/Environment.h>
+
+#include "Findings.h"
 #include "model/Dn.h"
+#include "model/ReportTexts.h"
 #include "model/XmlFile.h"
 
 namespace VorNode {
@@ -26,7 +30,9 @@ constexpr std::array<TypeText, 6> typeTexts{{
     {"bool", "true or false"},
     {"uint16", "a whole number from 0 to 65535"},
     {"enum", "a whole number from -32768 to 32767"},
-    {"ref", "a dn such as ManagedElement=1,SystemFunctions=1, its ids without quotes and control characters"},
+    {"ref",
+     "a dn such as ManagedElement=1,SystemFunctions=1, its ids without quotes, '<', '&' and control "
+     "characters"},
     {"struct", "<Member name=\"...\"> elements"},
 }};
 static_assert(typeTexts.size() == std::variant_size_v<AttributeValue>);
@@ -83,7 +89,9 @@ bool isEmpty(const XmlElement& element) {
 /// Builds the model from the file's elements. One use.
 class ModelReader {
   public:
-    explicit ModelReader(const std::string& path) : _file(path) {}
+    ModelReader(const std::string& path, const std::string& hostName) : _file(path), _hostName(hostName) {
+        _model->source() = ModelSource(path);
+    }
 
     std::unique_ptr<Model> read() {
         const XmlElement& root = _file.root();
@@ -93,21 +101,27 @@ class ModelReader {
         _file.expectAttributes(root, {});
         _file.expectChildren(root, {"Class", "Object"});
         _file.expectNoText(root);
-        // All classes first: the file may give them in any order.
-        for (const XmlElement& child : root.children) {
-            if (child.name == "Class") {
-                readClass(child);
-            }
-        }
-        for (const XmlElement& child : root.children) {
-            if (child.name == "Object") {
-                readObject(child);
-            }
-        }
+        // All classes first: the file may give them in any order. Objects of a class that was refused would
+        // be refused for that alone.
+        readEach(root, "Class", &ModelReader::readClass);
+        _findings.throwFaults();
+        readEach(root, "Object", &ModelReader::readObject);
+        _findings.throwFaults();
+        checkReportNames(*_model, _findings);
+        _findings.throwFaults();
         return std::move(_model);
     }
 
   private:
+    void readEach(const XmlElement& root, std::string_view name,
+                  void (ModelReader::*readOne)(const XmlElement&)) {
+        for (const XmlElement& child : root.children) {
+            if (child.name == name) {
+                _findings.collect([&] { (this->*readOne)(child); });
+            }
+        }
+    }
+
     void readClass(const XmlElement& element) {
         _file.expectAttributes(element, {"path"});
         expectNamedChildren(element, "Attribute");
@@ -159,11 +173,13 @@ class ModelReader {
     void readObject(const XmlElement& element) {
         _file.expectAttributes(element, {"dn"});
         expectNamedChildren(element, "Attribute");
-        const std::string& dn = _file.requiredAttribute(element, "dn", "ManagedElement=1,SystemFunctions=1");
+        const std::string dn =
+            expanded(element, _file.requiredAttribute(element, "dn", "ManagedElement=1,SystemFunctions=1"));
         const ClassDefinition& definition = classOf(element, dn);
         if (!_model->addObject(dn)) {
             _file.refuse(element, "object " + dn + " is given twice; remove one of the two");
         }
+        _model->source().note(dn, "", element.line);
         std::vector<AttributeWrite> writes;
         for (const XmlElement& child : element.children) {
             _file.expectAttributes(child, {"name"});
@@ -173,7 +189,9 @@ class ModelReader {
                                         quoted(nameOf(child)) +
                                         "; add it there or write one of: " + namesOf(definition.attributes));
             }
+            _model->source().note(dn, attribute->name, child.line);
             writes.push_back({dn, attribute->name, readValues(child, *attribute)});
+            refuseUnreportable(child, definition, writes.back());
         }
         _model->commit(std::move(writes));
     }
@@ -225,7 +243,8 @@ class ModelReader {
             return readStruct(element);
         }
         _file.expectChildren(element, {});
-        const std::optional<AttributeValue> value = parseValue(attribute.type, element.text);
+        const std::optional<AttributeValue> value =
+            parseValue(attribute.type, expanded(element, element.text));
         if (!value) {
             const TypeText& type = typeTexts[static_cast<std::size_t>(attribute.type)];
             _file.refuse(element, quoted(element.text) + " is no " + std::string(type.name) + " value for " +
@@ -242,10 +261,39 @@ class ModelReader {
             _file.expectAttributes(member, {"name"});
             _file.expectChildren(member, {});
             if (!member.text.empty()) {
-                members.emplace(nameOf(member), member.text);
+                members.emplace(nameOf(member), expanded(member, member.text));
             }
         }
         return members;
+    }
+
+    /// The text with what its '%' stand for.
+    std::string expanded(const XmlElement& element, const std::string& text) const {
+        std::string result;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] != '%') {
+                result += text[i];
+                continue;
+            }
+            ++i;
+            const std::string_view mark = std::string_view(text).substr(i, 1);
+            if (mark != "%" && mark != "H") {
+                _file.refuse(element, quoted("%" + std::string(mark)) + " in " + quoted(text) +
+                                          " stands for nothing; write %H for the host's name, %% for a %");
+            }
+            if (mark == "H" && _hostName.empty()) {
+                _file.refuse(element, "this host has no name for %H; give it one, or write the name itself");
+            }
+            result += mark == "%" ? mark : std::string_view(_hostName);
+        }
+        return result;
+    }
+
+    void refuseUnreportable(const XmlElement& element, const ClassDefinition& definition,
+                            const AttributeWrite& write) const {
+        if (const auto fault = faultInReport(definition.path, write.attribute, write.values)) {
+            _file.refuse(element, write.attribute + " " + *fault);
+        }
     }
 
     /// Refuses text, other children, and two children of the same name.
@@ -270,13 +318,19 @@ class ModelReader {
     }
 
     XmlFile _file;
+    const std::string& _hostName;
     std::unique_ptr<Model> _model = std::make_unique<Model>();
+    Findings _findings;
 };
 
 }  // namespace
 
 std::unique_ptr<Model> loadModel(const std::string& path) {
-    return ModelReader(path).read();
+    return loadModel(path, Poco::Environment::nodeName());
+}
+
+std::unique_ptr<Model> loadModel(const std::string& path, const std::string& hostName) {
+    return ModelReader(path, hostName).read();
 }
 
 }  // namespace VorNode

@@ -42,8 +42,11 @@ TEST(CommandLine, TakesTheLastOfAnOption) {
 }
 
 TEST(CommandLine, RefusesValuesBeyondTheirRange) {
-    for (const auto& options : std::vector<std::vector<const char*>>{
-             {"--log-level", "2"}, {"--log-level", "9"}, {"--counters", "recorded:"}, {"--reports", "-1"}})
+    for (const auto& options : std::vector<std::vector<const char*>>{{"--log-level", "2"},
+                                                                     {"--log-level", "9"},
+                                                                     {"--counters", "recorded:"},
+                                                                     {"--reports", "-1"},
+                                                                     {"--reports", ""}})
         EXPECT_THROW(parse(options), InputError) << options[0] << ' ' << options[1];
 }
 

@@ -3,8 +3,8 @@
 #include <Poco/TemporaryFile.h>
 #include <gmock/gmock.h>
 
+#include "Findings.h"
 #include "Golden.h"
-#include "InputError.h"
 #include "model/MeasurementJob.h"
 #include "model/ModelFile.h"
 
@@ -26,10 +26,15 @@ TEST(ModelFile, RefusesUnusableFilesNamingLineFaultAndRemedy) {
         const auto& [before, after] = around.at(row[0]);
         VorTest::writeFile(file.path(), before + VorTest::withLineFeeds(row[1]) + after);
         const std::size_t fragment = row[2].find(' ') + 1;
-        const std::string place = (row[0] == "job" ? "" : file.path() + ":") + row[2].substr(0, fragment);
-        EXPECT_THAT([&] { readActiveJobs(*loadModel(file.path())); },
-                    testing::ThrowsMessage<InputError>(testing::AllOf(
-                        testing::StartsWith(place), testing::HasSubstr(row[2].substr(fragment)))))
+        const std::string place = file.path() + ":" + row[2].substr(0, fragment);
+        EXPECT_THAT(
+            [&] {
+                Findings findings;
+                readActiveJobs(*loadModel(file.path()), findings);
+                findings.throwFaults();
+            },
+            testing::ThrowsMessage<InputError>(
+                testing::AllOf(testing::StartsWith(place), testing::HasSubstr(row[2].substr(fragment)))))
             << row[1];
     }
     for (const char* unreadable : {"/dev/null/none", "/"})
@@ -49,7 +54,8 @@ TEST(ModelFile, ReadsValuesOfEveryTypeAndActiveJobsInCreationOrder) {
         EXPECT_EQ(model->read("A=1", attribute), read) << attribute;
     EXPECT_EQ(model->read("A=2", "s"), AttributeValues{});
     std::string jobs;
-    for (const MeasurementJob& job : readActiveJobs(*model))
+    Findings findings;
+    for (const MeasurementJob& job : readActiveJobs(*model, findings))
         jobs += job.id + ":" + std::to_string(job.granularityPeriod.count()) + job.classes.at(1) + " ";
     EXPECT_EQ(jobs,
               "9:86400Disk 1:10Disk 8:43200Disk 2:30Disk 7:3600Disk 3:60Disk 6:1800Disk 4:300Disk "
