@@ -186,6 +186,12 @@ TEST(Node, AnnouncesCapabilitiesInOrderUntilOneFails) {
     runNodes("capabilities.txt");
 }
 
+TEST(Node, WarnsOfARecordedClassThatCollectorsWouldMisfile) {
+    const NodeRun run("true", "UTC");
+    ASSERT_EQ(run.node->warnings().size(), 1U);
+    EXPECT_NE(run.node->warnings()[0].find("counters.json: class \"C1\" of job J1: "), std::string::npos);
+}
+
 TEST(Node, PublishesKernelCountersThatReadTheSameByPlaceAndByNumber) {
     const WallClock clock(at("2026-03-05T10:14:30+01:00"));
     NodeRun run("mkdir proc; cp '" + VorNode::InstallPaths::ofThisProgram().model.string() + "' model.xml",

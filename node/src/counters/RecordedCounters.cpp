@@ -6,6 +6,7 @@
 
 #include <Poco/Ascii.h>
 
+#include "counters/CollectorOrder.h"
 #include "counters/JsonNode.h"
 
 namespace VorNode {
@@ -134,12 +135,18 @@ MeasurementData readJob(const JsonNode& node) {
     return data;
 }
 
+std::string misfiledText(const MeasuredClass& measured, const std::string& jobId) {
+    return (measured.name ? "class \"" + *measured.name + "\"" : "a class without name") + " of job " +
+           jobId +
+           ": collectors that go by the place of a type would file its values under other types; record its "
+           "types in byte-wise order of their names, and all of them in every object";
+}
+
 }  // namespace
 
-RecordedCounters::RecordedCounters(const std::filesystem::path& file) {
+RecordedCounters::RecordedCounters(const std::filesystem::path& file) : _file(file.string()) {
     const nlohmann::json document = loadJson(file);
-    const std::string name = file.string();
-    const JsonNode root(name, document);
+    const JsonNode root(_file, document);
     root.expectKeys({"jobs"});
     for (const auto& [id, job] : root.at("jobs").members()) {
         _jobs.emplace(id, readJob(job));
@@ -150,6 +157,22 @@ std::unique_ptr<JobMeasurement> RecordedCounters::startJob(const std::string& jo
                                                            const std::vector<std::string>&) {
     const auto job = _jobs.find(jobId);
     return std::make_unique<RecordedJob>(job == _jobs.end() ? MeasurementData{} : job->second);
+}
+
+std::vector<std::string> RecordedCounters::warnings(const std::vector<std::string>& jobIds) const {
+    std::vector<std::string> warnings;
+    for (const std::string& id : jobIds) {
+        const auto job = _jobs.find(id);
+        if (job == _jobs.end()) {
+            continue;
+        }
+        for (const MeasuredClass& measured : job->second) {
+            if (!readsTheSameByPlace(measured)) {
+                warnings.push_back(_file + ": " + misfiledText(measured, id));
+            }
+        }
+    }
+    return warnings;
 }
 
 }  // namespace VorNode

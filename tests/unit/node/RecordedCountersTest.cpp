@@ -38,4 +38,40 @@ TEST(RecordedCounters, refuseUnusableFilesNamingLineOrPlace) {
         EXPECT_THROW(RecordedCounters{path}, InputError) << path;
 }
 
+TEST(RecordedCounters, WarnOfClassesThatCollectorsWouldMisfile) {
+    struct Row {
+        const char* what;
+        /// The types of each object.
+        std::vector<std::vector<std::string>> objects;
+        bool isMisfiled;
+    };
+    const Row rows[]{
+        {"by name, and all", {{"A", "B", "a"}, {"A", "B", "a"}}, false},
+        {"no object", {}, false},
+        {"an object without values", {{}, {"a", "b"}, {}}, false},
+        {"a later object has another order", {{"a", "b"}, {"b", "a"}}, false},
+        {"the first object has another order", {{"b", "a"}, {"a", "b"}}, true},
+        {"not byte-wise", {{"a", "B"}}, true},
+        {"an object lacks a type", {{"a", "b"}, {"a"}}, true},
+        {"a later object has one more", {{"a"}, {"a", "b"}}, true},
+        {"a type twice", {{"a", "a"}}, true},
+    };
+    for (const Row& row : rows) {
+        std::string objects;
+        for (const auto& types : row.objects) {
+            std::string values;
+            for (const std::string& type : types)
+                values += (values.empty() ? "" : ",") + (R"({"type":")" + type + R"(","int":1})");
+            objects += (objects.empty() ? "" : ",") + (R"({"ldn":"","values":[)" + values + "]}");
+        }
+        const Poco::TemporaryFile file;
+        VorTest::writeFile(file.path(),
+                           R"({"jobs":{"J1":{"classes":[{"name":"C1","objects":[)" + objects + "]}]}}}");
+        const RecordedCounters counters(file.path());
+        EXPECT_EQ(counters.warnings({"J1"}).size(), row.isMisfiled ? 1 : 0) << row.what;
+        EXPECT_THAT(counters.warnings({"J1"}), testing::Each(testing::HasSubstr("class \"C1\" of job J1")))
+            << row.what;
+    }
+}
+
 }  // namespace VorNode
