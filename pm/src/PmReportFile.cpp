@@ -7,11 +7,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "PmFiles.h"
+
 namespace VorPm {
 
 namespace {
-
-constexpr mode_t newFileMode = 0666;
 
 /// What the file holds on the disk; -1 when it is not known.
 long sizeOnDisk(std::FILE* file) {
@@ -19,21 +19,22 @@ long sizeOnDisk(std::FILE* file) {
     return ::fstat(::fileno(file), &status) == 0 ? static_cast<long>(status.st_size) : -1;
 }
 
+/// Locks the file. A file system without locks is not a reason to write no reports.
+bool isLockedByOther(const PmDescriptor& file) {
+    return ::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
+
 }  // namespace
 
 bool PmReportFile::open(const std::string& path) {
-    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOFOLLOW, newFileMode);
-    if (descriptor < 0) {
+    PmDescriptor file = openFileWithOneName(path, O_WRONLY | O_CREAT);
+    // Two reports can come to the same name; the one that is being written must not be emptied by the other.
+    if (!file.isOpen() || isLockedByOther(file) || ::ftruncate(file.get(), 0) != 0) {
         return false;
     }
-    // Two reports can come to the same name; the one that is being written must not be emptied by the other.
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && ::ftruncate(descriptor, 0) == 0) {
-        _file.reset(::fdopen(descriptor, "w"));
-    }
-    if (_file == nullptr) {
-        const int reason = errno;
-        ::close(descriptor);
-        errno = reason;
+    _file.reset(::fdopen(file.get(), "w"));
+    if (isOpen()) {
+        file.release();
     }
     return isOpen();
 }
@@ -91,15 +92,20 @@ bool PmReportFile::rewind() {
 }
 
 bool PmReportFile::finish() {
-    const bool flushed = std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
+    const bool flushed = flush() && std::fflush(_file.get()) == 0 && std::ferror(_file.get()) == 0 &&
                          sizeOnDisk(_file.get()) == std::ftell(_file.get());
-    return std::fclose(_file.release()) == 0 && flushed;
+    const bool complete = std::fclose(_file.release()) == 0 && flushed;
+    if (!complete) {
+        _lostGps += _goodEnds.size();
+    }
+    return complete;
 }
 
 void PmReportFile::forgetLostEnds() {
     const long held = sizeOnDisk(_file.get());
     while (!_goodEnds.empty() && _goodEnds.back() > held) {
         _goodEnds.pop_back();
+        ++_lostGps;
     }
     std::clearerr(_file.get());
 }

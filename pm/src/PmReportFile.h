@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "PmReportBuffer.h"
@@ -20,8 +21,8 @@ namespace VorPm {
 /// the file really holds.
 class PmReportFile {
   public:
-    /// Creates the file, or empties the one there. A link in its place is not followed, and a file that
-    /// another object has open is left alone.
+    /// Creates the file, or empties the one there. Only a regular file with one name is taken, and a file
+    /// that another object has open is left alone.
     bool open(const std::string& path);
     bool isOpen() const { return _file != nullptr; }
 
@@ -62,8 +63,12 @@ class PmReportFile {
     /// none.
     bool rewind();
 
-    /// Flushes and closes the file; false unless everything written is in it.
+    /// Hands over what is collected, flushes and closes the file; false unless everything written is in it.
+    /// Then none of its GPs gets into a report.
     bool finish();
+
+    /// The number of complete GPs that failed writes have taken since the last call.
+    std::size_t takeLostGps() { return std::exchange(_lostGps, 0); }
 
     /// Closes the file, whatever becomes of what is buffered.
     void close() { _file.reset(); }
@@ -88,6 +93,7 @@ class PmReportFile {
 
     std::unique_ptr<std::FILE, Closer> _file;
     std::vector<long> _goodEnds;
+    std::size_t _lostGps = 0;
     /// Valid from `begin` to the thread's next one, for whatever report, and on that thread only.
     PmReportBuffer* _buffer = nullptr;
     /// Some of a failed GP's text was made since the end of the last complete one was marked or gone back to.

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <Poco/Exception.h>
 #include <Poco/Mutex.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -44,22 +45,17 @@ Location reportFileTempLocation(getNoBackupFromVorEa, temporaryFilesFolderName);
 Location reportSymlinkLocation(getInternalRootFromVorEa, reportFilesFolderName);
 
 void createReportFolder(const std::string& path) {
-    Poco::File folder(path);
-    if (folder.exists()) {
-        return;
-    }
-    LOG_TRACE("Creating folder for report files");
-    folder.createDirectories();
+    Poco::File(path).createDirectories();
     for (const char* marker : {noHousekeepingMarker, noDirectoryDeleteMarker, noDirectoryCreateMarker}) {
         Poco::File(path + "/" + marker).createFile();
     }
 }
 
-void createTemporaryFolder(const std::string& path) {
-    Poco::File folder(path);
-    if (!folder.exists()) {
-        LOG_TRACE("Creating folder for report temp files");
-        folder.createDirectories();
+/// What the folder holds is removed time and again, so a link to a folder of somebody else's is not taken.
+void requireFolderItself(const std::string& path) {
+    const Poco::File folder(path);
+    if (folder.isLink() || !folder.isDirectory()) {
+        throw Poco::FileException(path);
     }
 }
 
@@ -99,7 +95,10 @@ bool createFoldersForReportStorage() {
     std::string reportFolder;
     try {
         reportFolder = getReportFileLocation();
-        createReportFolder(reportFolder);
+        if (!Poco::File(reportFolder).exists()) {
+            LOG_TRACE("Creating folder for report files");
+            createReportFolder(reportFolder);
+        }
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Failed fetching report location: %s", fault.what());
         return false;
@@ -110,7 +109,11 @@ bool createFoldersForReportStorage() {
     std::string temporaryFolder;
     try {
         temporaryFolder = getReportFileTempLocation();
-        createTemporaryFolder(temporaryFolder);
+        if (!Poco::File(temporaryFolder).exists()) {
+            LOG_TRACE("Creating folder for report temp files");
+            Poco::File(temporaryFolder).createDirectories();
+        }
+        requireFolderItself(temporaryFolder);
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Failed fetching temporary report location: %s", fault.what());
         return false;

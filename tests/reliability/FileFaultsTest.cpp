@@ -123,6 +123,7 @@ class FileFaults : public testing::Test {
         else
             EXPECT_EQ(Framework::stop(), 0);
         ::unlink(lifted.c_str());
+        EXPECT_EQ(engine.log.count(3, "PM service is stopped"), 0);
         const Texts messages = engine.messages();
         const long told = std::count_if(messages.begin(), messages.end(),
                                         [](const auto& message) { return message.starts_with("3 "); });

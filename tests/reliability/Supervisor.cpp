@@ -26,7 +26,8 @@ namespace VorTest {
 
 namespace {
 
-/// Where a call has its file: the path or, for calls on an open file, the descriptor.
+/// Where a call has its file: the path or, for calls on an open file, the descriptor; both, where the path
+/// begins at an open folder.
 struct CallForm {
     int number;
     const char* name;
@@ -40,7 +41,7 @@ constexpr CallForm forms[] = {
     {SYS_openat, "open", 1, none, none},         {SYS_write, "write", none, 0, none},
     {SYS_ftruncate, "ftruncate", none, 0, none}, {SYS_fsync, "fsync", none, 0, none},
     {SYS_close, "close", none, 0, none},         {SYS_getdents64, "getdents", none, 0, none},
-    {SYS_renameat, "rename", 1, none, 3},        {SYS_unlinkat, "unlink", 1, none, none},
+    {SYS_renameat, "rename", 1, none, 3},        {SYS_unlinkat, "unlink", 1, 0, none},
     {SYS_mkdirat, "mkdir", 1, none, none},       {SYS_symlinkat, "symlink", 2, none, none},
 #ifdef SYS_rename
     {SYS_open, "open", 0, none, none},           {SYS_rename, "rename", 0, none, 1},
@@ -101,13 +102,14 @@ SystemCall describe(const seccomp_notif& notification) {
         if (form.number != notification.data.nr)
             continue;
         SystemCall call{form.name, "", ""};
-        if (form.descriptor != none) {
+        std::filesystem::path path = form.path != none ? textAt(process, arguments[form.path]) : "";
+        if (form.descriptor != none && path.is_relative()) {
             std::error_code ignored;
             const auto link = process + "/fd/" + std::to_string(arguments[form.descriptor]);
-            call.path = std::filesystem::read_symlink(link, ignored);
-        } else {
-            call.path = textAt(process, arguments[form.path]);
+            const auto opened = std::filesystem::read_symlink(link, ignored);
+            path = path.empty() ? opened : opened / path;
         }
+        call.path = path;
         call.newPath = form.newPath != none ? textAt(process, arguments[form.newPath]) : "";
         return call;
     }

@@ -23,34 +23,6 @@ std::string told(const auto&... results) {
     return text.str().substr(0, text.str().size() - 1);
 }
 
-struct Folders : StorageTest {
-    /// Files with their text, links with their target, and empty folders.
-    std::string listing() const {
-        Texts entries;
-        std::error_code none;
-        for (const auto& entry : fs::recursive_directory_iterator(root.noBackup(), none)) {
-            const std::string& path = entry.path();
-            if (entry.is_symlink())
-                entries.push_back(path + "->" + fs::read_symlink(path).string());
-            else if (entry.is_regular_file())
-                entries.push_back(path + "=" + readReport(path));
-            else if (fs::is_empty(path))
-                entries.push_back(path + "/");
-        }
-        std::sort(entries.begin(), entries.end());
-        return Poco::cat(std::string(" "), entries.begin(), entries.end());
-    }
-    /// With R for the report folder, T for the temporary folder and "." for the root.
-    std::string shortened(std::string text) const {
-        for (const auto& [path, letter] : {std::pair(reportFolder, "R"),
-                                           {temporaryFolder, "T"},
-                                           {root.path().string(), "."},
-                                           {"\n", "\\n"}})
-            Poco::replaceInPlace(text, path, std::string(letter));
-        return text;
-    }
-};
-
 /// A table, by its name.
 struct Subjects : Folders, testing::WithParamInterface<std::string> {
     PmConfigHandler config;
@@ -215,32 +187,6 @@ TEST(PmReportNames, SortByKeyInTheOrderOfTime) {
                     before = generateKey(name);
                 }
             }
-}
-
-using PmPublishing = Folders;
-
-TEST_F(PmPublishing, FallsBackToThePlainReport) {
-    root.createReportFolders();
-    const std::string temporary = temporaryFolder + "/X.xml", destination = reportFolder + "/X.xml";
-    std::string noise;
-    for (std::uint32_t i = 1; noise.size() < 100'000; i = i * 1'664'525 + 1'013'904'223)
-        noise += std::to_string(i);
-    for (const std::string& text : {noise.substr(0, 300), noise}) {
-        writeFile(temporary, text);
-        ASSERT_TRUE(publishGzipReport(temporary));
-        const std::size_t size = readFile(destination + ".gz").size();
-        const std::size_t step = size < 1000 ? 1 : 997;
-        for (std::size_t room = size % step; room <= size; room += step) {
-            fs::remove(destination);
-            fs::remove(destination + ".gz");
-            writeFile(temporary, text);
-            limitFileSize(room);
-            ASSERT_EQ(publishGzipReport(temporary), room == size) << room;
-            limitFileSize();
-            ASSERT_EQ(shortened(listing()), (room == size ? "R/X.xml.gz=" : "R/X.xml=") + text + " T/")
-                << room;
-        }
-    }
 }
 
 }  // namespace VorTest

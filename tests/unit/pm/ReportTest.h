@@ -1,6 +1,7 @@
 // What the tests of reports and of their folders share.
 #pragma once
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -51,6 +52,35 @@ struct StorageTest : testing::Test {
     TemporaryRoot root;
     const std::string reportFolder = root.reportFolder(), temporaryFolder = root.temporaryFolder();
     LogCapture log;
+};
+
+/// The same, with a look at the folders.
+struct Folders : StorageTest {
+    /// Files with their text, links with their target, and empty folders.
+    std::string listing() const {
+        Texts entries;
+        std::error_code none;
+        for (const auto& entry : fs::recursive_directory_iterator(root.noBackup(), none)) {
+            const std::string& path = entry.path();
+            if (entry.is_symlink())
+                entries.push_back(path + "->" + fs::read_symlink(path).string());
+            else if (entry.is_regular_file())
+                entries.push_back(path + "=" + readReport(path));
+            else if (fs::is_empty(path))
+                entries.push_back(path + "/");
+        }
+        std::sort(entries.begin(), entries.end());
+        return Poco::cat(std::string(" "), entries.begin(), entries.end());
+    }
+    /// With R for the report folder, T for the temporary folder and "." for the root.
+    std::string shortened(std::string text) const {
+        for (const auto& [path, letter] : {std::pair(reportFolder, "R"),
+                                           {temporaryFolder, "T"},
+                                           {root.path().string(), "."},
+                                           {"\n", "\\n"}})
+            Poco::replaceInPlace(text, path, std::string(letter));
+        return text;
+    }
 };
 
 }  // namespace VorTest
