@@ -24,6 +24,11 @@ constexpr char valueEnd[] = "</r>\n";
 
 constexpr char writeFailure[] = "Error writing to file, errcode-1";
 
+// What a failed write did is told under one operation, wherever it is noticed.
+#define LOG_WRITING(level, ...)                                                                  \
+    Vor::LoggingWrapper::instance().log(Vor::LogLevel::level, "writeToFile", __FILE__, __LINE__, \
+                                        traceSubsystem, __VA_ARGS__)
+
 const char* textOf(const char* text) {
     return text != nullptr ? text : "";
 }
@@ -71,15 +76,27 @@ bool PmReportWriter::createFile() {
 template <class... PiecesT>
 void PmReportWriter::writeToFile(const PiecesT&... pieces) {
     if (!_file.write(pieces...)) {
-        LOG_ERROR("%s", writeFailure);
-        throw std::ios_base::failure(writeFailure);
+        failWrite();
     }
 }
 
 void PmReportWriter::writeToFile() {
     if (!_file.flush()) {
-        LOG_ERROR("%s", writeFailure);
-        throw std::ios_base::failure(writeFailure);
+        failWrite();
+    }
+}
+
+void PmReportWriter::failWrite() {
+    LOG_WRITING(Error, "%s", writeFailure);
+    tellOfLostGps();
+    throw std::ios_base::failure(writeFailure);
+}
+
+void PmReportWriter::tellOfLostGps() {
+    const std::size_t lost = _file.takeLostGps();
+    if (lost > 0) {
+        LOG_WRITING(Warning, "%zu complete GPs of %s are lost with the failed write", lost,
+                    _filePath.c_str());
     }
 }
 
@@ -120,11 +137,12 @@ bool PmReportWriter::write(PmGpData& gp) {
 
 /// What an earlier GP left behind when it failed must not stand between the GPs that are complete.
 bool PmReportWriter::returnToLastGoodPosition() {
-    if (!_file.isAtGoodEnd() && !_file.rewind()) {
+    const bool returned = _file.isAtGoodEnd() || _file.rewind();
+    if (!returned) {
         LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
-        return false;
     }
-    return true;
+    tellOfLostGps();
+    return returned;
 }
 
 template <class TraitsT>
@@ -240,15 +258,14 @@ bool PmReportWriter::finalizeReport() {
             if (!atGoodEnd) {
                 LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
             }
+            tellOfLostGps();
         }
         // Without a complete GP there is nothing to report.
         if (atGoodEnd && _file.lastGoodPosition() > 0) {
             _file.begin();
             appendFileFooter();
-            writeToFile();
             if (!_file.finish()) {
-                LOG_ERROR("%s", writeFailure);
-                throw std::ios_base::failure(writeFailure);
+                failWrite();
             }
             complete = true;
         }

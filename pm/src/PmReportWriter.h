@@ -111,6 +111,9 @@ class PmReportWriter {
     void writeToFile(const PiecesT&... pieces);
     /// Hands all that is collected to the stream; fails like the other, under the same name.
     void writeToFile();
+    [[noreturn]] void failWrite();
+    /// A failed write may take GPs that were complete, which were told to be written.
+    void tellOfLostGps();
 
     /// Those of the class being written; the names are the GP's.
     PmMeasTypes _measTypes;

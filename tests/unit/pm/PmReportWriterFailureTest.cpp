@@ -1,3 +1,4 @@
+#include <Poco/StringTokenizer.h>
 #include <unistd.h>
 
 #include "LoggingWrapper.h"
@@ -68,16 +69,21 @@ struct PmReportWriterFailureTest : StorageTest {
     /// Writes the first three GPs within `room` bytes and another one, or none, with `roomThen`.
     std::size_t writeWithin(std::size_t room, std::size_t label, std::size_t roomThen) {
         const auto writer = open(label);
-        std::size_t written = 0;
+        std::size_t written = 0, lost = 0;
+        log.onLine = [&](const LogLine& line) {
+            lost += line.text.ends_with(lostOf) ? std::stoul(line.text) : 0;
+        };
         limitFileSize(room);
         while (written < 3 && writer->writeGpData(*gps[written]))
             ++written;
         if (written < 3) {
             const std::string failure = "3 write IO failure writing gp with id " + std::to_string(written);
-            EXPECT_THAT(messages(), ElementsAre("3 writeToFile " + refused,
-                                                StartsWith(failure + ", reason: " + refused)));
+            const Texts told = messages();
+            EXPECT_EQ(told.front(), "3 writeToFile " + refused);
+            EXPECT_THAT(told.back(), StartsWith(failure + ", reason: " + refused));
         }
         std::string held = start(label, written, written < 3 ? room : unlimited);
+        const std::size_t kept = gpsIn(held);
         limitFileSize(roomThen);
         if (roomThen == unlimited) {
             EXPECT_TRUE(writer->writeGpData(*gps[3]));
@@ -85,12 +91,19 @@ struct PmReportWriterFailureTest : StorageTest {
         }
         finalize(*writer, held, roomThen);
         EXPECT_TRUE(roomThen != unlimited || messages().empty());
+        const bool isPublished = held.size() + footer.size() <= roomThen;
+        EXPECT_EQ(lost, written - (isPublished ? kept : 0)) << "a complete GP that no line tells of";
         limitFileSize();
         messages();
         return written;
     }
 
+    static std::size_t gpsIn(const std::string& text) {
+        return Poco::StringTokenizer(text, "\t").count("<measInfo measInfoId=\"C\">\n");
+    }
+
     const std::string file = temporaryFolder + "/A20170305.1300-1315_ME1.xml";
+    const std::string lostOf = " complete GPs of " + file + " are lost with the failed write";
     std::vector<Poco::AutoPtr<PmGpData>> gps;
     std::vector<std::string> blocks;
     std::string header, footer;
@@ -121,7 +134,10 @@ TEST_F(PmReportWriterFailureTest, LeavesOutAnInterruptedGpAndWhatTheFileDoesNotH
         ASSERT_FALSE(writer->writeGpData(*gps[1]));
         ASSERT_TRUE(writer->writeGpData(*gps[4]));
         finalize(*writer, start(1, 1, room) + blocks[3] + blocks[4]);
-        ASSERT_THAT(messages(), ElementsAre(unknown, interrupted, interrupted));
+        Texts expected{unknown, interrupted, interrupted};
+        if (room < start(1, 1).size())
+            expected.insert(expected.begin() + 2, "4 writeToFile 1" + lostOf);
+        ASSERT_EQ(messages(), expected) << room;
     }
 }
 
@@ -141,7 +157,9 @@ TEST_F(PmReportWriterFailureTest, TellsWhyThereIsNoReport) {
     limitFileSize(start(1, 1).size() + footer.size() - 1);
     finalize(*full, start(1, 1), start(1, 1).size() + footer.size() - 1);
     limitFileSize();
-    EXPECT_THAT(messages().back(), StartsWith("3 finalizeReport IO failure writing gp, reason: " + refused));
+    EXPECT_THAT(messages(),
+                ElementsAre("3 writeToFile " + refused, "4 writeToFile 1" + lostOf,
+                            StartsWith("3 finalizeReport IO failure writing gp, reason: " + refused)));
     // A pipe in the file's place has no positions.
     const int descriptor = ::dup(STDIN_FILENO);
     ::close(descriptor);
