@@ -1,6 +1,9 @@
 // What the component does about entries of its folders that somebody else put there.
 #include <cerrno>
 
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -14,6 +17,8 @@ namespace VorTest {
 namespace {
 
 bool isLockingSupported = true;
+/// Negative when a folder is read to its end.
+int readableEntries = -1;
 
 }  // namespace
 }  // namespace VorTest
@@ -24,6 +29,17 @@ extern "C" int flock(int descriptor, int operation) noexcept {
         return static_cast<int>(::syscall(SYS_flock, descriptor, operation));
     errno = ENOLCK;
     return -1;
+}
+
+/// The same for a folder that cannot be read further.
+extern "C" dirent* readdir(DIR* folder) {
+    static const auto next = reinterpret_cast<dirent* (*)(DIR*)>(::dlsym(RTLD_NEXT, "readdir"));
+    if (VorTest::readableEntries != 0) {
+        VorTest::readableEntries -= VorTest::readableEntries > 0 ? 1 : 0;
+        return next(folder);
+    }
+    errno = EIO;
+    return nullptr;
 }
 
 namespace VorTest {
@@ -61,6 +77,17 @@ TEST_F(PmHousekeeping, GoesOnPastAReportThatCannotBeRemoved) {
     EXPECT_EQ(shortened(listing()), "R/A20160305.0000-0015_M.xml/content/ R/A20170305.0015-0030_M.xml= T/");
     EXPECT_EQ(messages(),
               Texts{"4 performHousekeeping Could not remove ROP file " + broken + ": Directory not empty"});
+}
+
+TEST_F(PmHousekeeping, RemovesNothingFromAFolderThatCannotBeReadFurther) {
+    for (const char* name : {"/A20170305.0000-0015_M.xml", "/A20170305.0015-0030_M.xml"})
+        writeFile(reportFolder + name, "");
+    readableEntries = 3;
+    performHousekeeping(0);
+    readableEntries = -1;
+    EXPECT_EQ(TemporaryRoot::filesIn(reportFolder).size(), 2U);
+    EXPECT_EQ(messages(), Texts{"4 performHousekeeping Could not access directory " + reportFolder +
+                                ", for housekeeping"});
 }
 
 TEST_F(PmHousekeeping, LeavesAloneWhatATemporaryFolderThatBecameALinkPointsAt) {
