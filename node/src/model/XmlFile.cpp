@@ -16,6 +16,7 @@
 #include <Poco/String.h>
 
 #include "InputError.h"
+#include "ParserGuard.h"
 
 namespace VorNode {
 
@@ -26,12 +27,32 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
   public:
     explicit TreeBuilder(const std::string& path) : _path(path) {}
 
+    /// Throws what stopped the building, if anything did.
+    void rethrowFault() const { _guard.rethrowFault(); }
+
     XmlElement takeRoot() { return std::move(_root); }
 
     void setDocumentLocator(const Poco::XML::Locator* locator) override { _locator = locator; }
 
     void startElement(const Poco::XML::XMLString&, const Poco::XML::XMLString&,
                       const Poco::XML::XMLString& name, const Poco::XML::Attributes& attributes) override {
+        _guard.carryOut([&] { open(name, attributes); });
+    }
+
+    void endElement(const Poco::XML::XMLString&, const Poco::XML::XMLString&,
+                    const Poco::XML::XMLString&) override {
+        _guard.carryOut([&] { close(); });
+    }
+
+    void characters(const Poco::XML::XMLChar text[], int start, int length) override {
+        _guard.carryOut([&] { _open.back().text.append(text + start, static_cast<std::size_t>(length)); });
+    }
+
+  private:
+    /// Far more than any file needs. What walks through a tree needs stack for its depth.
+    static constexpr std::size_t deepest = 100;
+
+    void open(const Poco::XML::XMLString& name, const Poco::XML::Attributes& attributes) {
         if (_open.size() == deepest) {
             throw InputError(
                 _path, _locator->getLineNumber(),
@@ -46,8 +67,7 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
         _open.push_back(std::move(element));
     }
 
-    void endElement(const Poco::XML::XMLString&, const Poco::XML::XMLString&,
-                    const Poco::XML::XMLString&) override {
+    void close() {
         XmlElement element = std::move(_open.back());
         _open.pop_back();
         Poco::trimInPlace(element.text);
@@ -58,19 +78,12 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
         }
     }
 
-    void characters(const Poco::XML::XMLChar text[], int start, int length) override {
-        _open.back().text.append(text + start, static_cast<std::size_t>(length));
-    }
-
-  private:
-    /// Far more than any file needs. What walks through a tree needs stack for its depth.
-    static constexpr std::size_t deepest = 100;
-
     const std::string& _path;
     const Poco::XML::Locator* _locator = nullptr;
     /// From the root down to the element that is being read.
     std::vector<XmlElement> _open;
     XmlElement _root;
+    Vor::ParserGuard _guard;
 };
 
 std::ifstream openFile(const std::string& path) {
@@ -101,11 +114,13 @@ XmlElement parse(const std::string& path) {
     try {
         parser.parse(&source);
     } catch (const Poco::XML::SAXParseException& fault) {
+        builder.rethrowFault();
         throw InputError(path, fault.getLineNumber(),
                          "is not well-formed XML (" + fault.message() + "); correct the file there");
     } catch (const Poco::Exception& fault) {
         throw InputError(path, 0, "cannot be read as XML (" + fault.displayText() + "); correct the file");
     }
+    builder.rethrowFault();
     return builder.takeRoot();
 }
 
