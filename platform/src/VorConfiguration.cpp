@@ -67,7 +67,7 @@ Poco::AutoPtr<Poco::XML::Document> parse(Poco::XML::InputSource& source) {
     parser.setFeature(Poco::XML::XMLReader::FEATURE_EXTERNAL_PARAMETER_ENTITIES, false);
     DepthLimit limited(&parser);
     try {
-        const Poco::AutoPtr<Poco::XML::Document> document = Poco::XML::DOMBuilder(limited).parse(&source);
+        Poco::AutoPtr<Poco::XML::Document> document = Poco::XML::DOMBuilder(limited).parse(&source);
         limited.rethrowFault();
         return document;
     } catch (const Poco::XML::SAXParseException&) {

@@ -18,6 +18,7 @@ class PmDescriptor {
 
     bool isOpen() const { return _descriptor >= 0; }
     int get() const { return _descriptor; }
+    void close() { const PmDescriptor closed(release()); }
     int release() { return std::exchange(_descriptor, -1); }
 
   private:
