@@ -3,6 +3,7 @@
 
 #include "Golden.h"
 #include "InputError.h"
+#include "counters/CollectorOrder.h"
 #include "counters/RecordedCounters.h"
 
 namespace VorNode {
@@ -38,39 +39,31 @@ TEST(RecordedCounters, refuseUnusableFilesNamingLineOrPlace) {
         EXPECT_THROW(RecordedCounters{path}, InputError) << path;
 }
 
-TEST(RecordedCounters, WarnOfClassesThatCollectorsWouldMisfile) {
+TEST(CollectorOrder, IsKeptByClassesThatReadTheSameByPlace) {
     struct Row {
         const char* what;
         /// The types of each object.
         std::vector<std::vector<std::string>> objects;
-        bool isMisfiled;
+        bool isKept;
     };
     const Row rows[]{
-        {"by name, and all", {{"A", "B", "a"}, {"A", "B", "a"}}, false},
-        {"no object", {}, false},
-        {"an object without values", {{}, {"a", "b"}, {}}, false},
-        {"a later object has another order", {{"a", "b"}, {"b", "a"}}, false},
-        {"the first object has another order", {{"b", "a"}, {"a", "b"}}, true},
-        {"not byte-wise", {{"a", "B"}}, true},
-        {"an object lacks a type", {{"a", "b"}, {"a"}}, true},
-        {"a later object has one more", {{"a"}, {"a", "b"}}, true},
-        {"a type twice", {{"a", "a"}}, true},
+        {"by name, and all", {{"A", "B", "a"}, {"A", "B", "a"}}, true},
+        {"an object without values", {{}, {"a", "b"}, {}}, true},
+        {"a later object has another order", {{"a", "b"}, {"b", "a"}}, true},
+        {"the first object has another order", {{"b", "a"}, {"a", "b"}}, false},
+        {"not byte-wise", {{"a", "B"}}, false},
+        {"an object lacks a type", {{"a", "b"}, {"a"}}, false},
+        {"a later object has one more", {{"a"}, {"a", "b"}}, false},
+        {"a type twice", {{"a", "a"}}, false},
     };
     for (const Row& row : rows) {
-        std::string objects;
+        MeasuredClass measured;
         for (const auto& types : row.objects) {
-            std::string values;
+            MeasuredObject& object = measured.objects.emplace_back();
             for (const std::string& type : types)
-                values += (values.empty() ? "" : ",") + (R"({"type":")" + type + R"(","int":1})");
-            objects += (objects.empty() ? "" : ",") + (R"({"ldn":"","values":[)" + values + "]}");
+                object.values.push_back({type, Nil{}});
         }
-        const Poco::TemporaryFile file;
-        VorTest::writeFile(file.path(),
-                           R"({"jobs":{"J1":{"classes":[{"name":"C1","objects":[)" + objects + "]}]}}}");
-        const RecordedCounters counters(file.path());
-        EXPECT_EQ(counters.warnings({"J1"}).size(), row.isMisfiled ? 1 : 0) << row.what;
-        EXPECT_THAT(counters.warnings({"J1"}), testing::Each(testing::HasSubstr("class \"C1\" of job J1")))
-            << row.what;
+        EXPECT_EQ(readsTheSameByPlace(measured), row.isKept) << row.what;
     }
 }
 
