@@ -24,10 +24,8 @@ constexpr char valueEnd[] = "</r>\n";
 
 constexpr char writeFailure[] = "Error writing to file, errcode-1";
 
-// What a failed write did is told under one operation, wherever it is noticed.
-#define LOG_WRITING(level, ...)                                                                  \
-    Vor::LoggingWrapper::instance().log(Vor::LogLevel::level, "writeToFile", __FILE__, __LINE__, \
-                                        traceSubsystem, __VA_ARGS__)
+/// The operation of what a failed write did, wherever it is noticed.
+constexpr char writeOperation[] = "writeToFile";
 
 const char* textOf(const char* text) {
     return text != nullptr ? text : "";
@@ -87,7 +85,7 @@ void PmReportWriter::writeToFile() {
 }
 
 void PmReportWriter::failWrite() {
-    LOG_WRITING(Error, "%s", writeFailure);
+    LOG_ERROR_IN(writeOperation, "%s", writeFailure);
     tellOfLostGps();
     throw std::ios_base::failure(writeFailure);
 }
@@ -95,8 +93,8 @@ void PmReportWriter::failWrite() {
 void PmReportWriter::tellOfLostGps() {
     const std::size_t lost = _file.takeLostGps();
     if (lost > 0) {
-        LOG_WRITING(Warning, "%zu complete GPs of %s are lost with the failed write", lost,
-                    _filePath.c_str());
+        LOG_WARNING_IN(writeOperation, "%zu complete GPs of %s are lost with the failed write", lost,
+                       _filePath.c_str());
     }
 }
 

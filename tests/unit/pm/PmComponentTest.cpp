@@ -164,8 +164,12 @@ TEST(PmComponent, ComesUpAndGoesDownUnderLoad) {
     std::mutex announcing;
     const auto announce = [&](const std::stop_token& end) {
         while (!end.stop_requested()) {
-            std::lock_guard lock(announcing);
-            engine.announce("Processor", 0, 0);
+            {
+                std::lock_guard lock(announcing);
+                engine.announce("Processor", 0, 0);
+            }
+            // The lock is not fair.
+            std::this_thread::yield();
         }
     };
     const auto read = [&engine](const std::stop_token& end) {
