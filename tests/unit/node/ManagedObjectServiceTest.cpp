@@ -67,8 +67,10 @@ TEST_F(ManagedObjectServiceTest, TakesWhatFitsTheAttribute) {
     EXPECT_EQ(table.setMoAttribute(handle, nullptr, "s", &texts), VorReturnFailed);
 
     KelMoNamedAttributeValueContainer_3 s{"s", &texts}, u{"u", &texts};
+    KelMoNamedAttributeValueContainer_3 hollow{"s", nullptr}, *holed[]{&s, &hollow, nullptr};
     KelMoNamedAttributeValueContainer_3 *bad[]{&s, &u, nullptr}, *good[]{&s, nullptr};
     EXPECT_EQ(table.setMoAttributes(handle, first, bad), VorReturnFailed);
+    EXPECT_EQ(table.setMoAttributes(handle, first, holed), VorReturnFailed);
     EXPECT_EQ(transactions.written(handle, first, "s"), std::nullopt) << "all or none";
     EXPECT_EQ(table.setMoAttributes(handle, first, good), VorReturnOk);
     EXPECT_EQ(transactions.written(handle, first, "s"), AttributeValues{"v"});
@@ -95,12 +97,6 @@ TEST_F(ManagedObjectServiceTest, KnowsItsObjectsInCreationOrder) {
     EXPECT_EQ(table.finalizeMoIterator(below), VorReturnOk);
     EXPECT_EQ(table.nextMo(below, &found), VorReturnFailed);
     EXPECT_EQ(table.newMoIterator(0, nullptr, "A,B", &below), VorReturnAbsent);
-}
-
-TEST_F(ManagedObjectServiceTest, CountsNoObjectAsItsOwnChild) {
-    unsigned long long count = 9;
-    EXPECT_EQ(table.countMoChildren(handle, "A=1", "A", &count), VorReturnOk);
-    EXPECT_EQ(count, 0U);
 }
 
 TEST_F(ManagedObjectServiceTest, AnswersOpenTransactionsOnly) {

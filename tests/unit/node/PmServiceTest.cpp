@@ -142,7 +142,10 @@ TEST_F(PmServiceTest, lendsTheRecordsUntilTheirRelease) {
         const VorOamSpiPmGpData_1* data = nullptr;
         for (int fetch = 1; fetch <= 2; ++fetch)
             ASSERT_EQ(table().getGp(1, &data), 0);
-        EXPECT_EQ(data->measObjClasses[0].measObjs[0].nrOfValues, 2U) << "without Nil";
+        const VorOamSpiPmMeasObj_1& object = data->measObjClasses[0].measObjs[0];
+        ASSERT_EQ(object.nrOfValues, 2U) << "without Nil";
+        EXPECT_TRUE(object.values[0].isSuspect && !object.values[0].isFloat);
+        EXPECT_TRUE(!object.values[1].isSuspect && object.values[1].isFloat);
         for (const auto& [gp, code] : {std::pair(2U, -2), {1U, 0}, {1U, -2}})
             EXPECT_EQ(table().releaseGp(gp), code);
         notes.expect({"fetched 1 J2 0", "released 1 J2 0"});

@@ -22,6 +22,11 @@ TEST(PmGpData, IsHandedBackOnceByItsLastReference) {
     EXPECT_EQ(engine.messages(), Texts{"4 release Unknown error while trying to release gp (id 9)"});
 }
 
+TEST(PmGpData, BelongsToNoJobWhenTheEventNamesNone) {
+    PmEngine engine;
+    EXPECT_EQ(Poco::AutoPtr<PmGpData>(new PmGpData({1, nullptr, 0, 0}, &engine.pm2))->_jobId, "");
+}
+
 TEST(PmDataCollector, FetchesAndReleasesThroughTheNewestVersionOffered) {
     const Texts all{"VorOamSpiPm 1", "VorOamSpiPm 2"};
     for (const Texts& without : {Texts{}, Texts{all[0]}, Texts{all[1]}, all}) {

@@ -144,4 +144,27 @@ TEST(PmInterceptor, IsAskedFromItsRegistrationToItsDeregistration) {
     client.join();
 }
 
+TEST(PmInterceptor, LeavesTheInterceptorOfAnotherWhereItIs) {
+    PmEngine engine;
+    setModel(engine, "3", "4 5");
+    PmInterceptor first, refused;
+    EXPECT_EQ(first.init(), 0);
+    EXPECT_EQ(refused.init(), -1);
+    refused.deregisterInterceptor();
+    EXPECT_EQ(engine.read(ropPeriods), "3") << "the first one answers";
+    first.deregisterInterceptor();
+}
+
+TEST(PmInterceptor, AnswersARefusedReadWithNothing) {
+    PmEngine engine;
+    PmInterceptor interceptor;
+    EXPECT_EQ(interceptor.init(), 0);
+    engine.objectTable.getMoAttribute = &answer;
+    one = "9";
+    VorMoAttributeValueResult_3 result{nullptr, &hollow};
+    EXPECT_EQ(interceptor.getMoAttribute(1, capabilitiesDn.c_str(), "supportedRopPeriods", &result), 9);
+    EXPECT_EQ(result.container, nullptr) << "what was there before is nobody's answer";
+    interceptor.deregisterInterceptor();
+}
+
 }  // namespace VorTest
