@@ -17,7 +17,8 @@ class LoggingWrapper {
 
     static LoggingWrapper& instance();
 
-    /// Messages go to `log`, traces to `trace`; null for nowhere. Both services must outlive their use here.
+    /// Messages go to `log` and to `trace`, traces to `trace` alone; null for nowhere. Both services must
+    /// outlive their use here.
     void connect(const VorMwSpiLog_1* log, const KelMwSpiTrace* trace);
 
     void setLevel(int level) { _level.store(level, std::memory_order_relaxed); }

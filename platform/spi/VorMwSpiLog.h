@@ -14,7 +14,8 @@ struct VorMwSpiLogRecord {
     const char* subsystem;
 };
 
-/// Any thread, several at once. Neither operation may throw.
+/// The log takes messages; the trace takes traces, and each message once more. Any thread, several at once.
+/// Neither operation may throw.
 struct VorMwSpiLog_1 {
     KelMgmtSpiInterface_1 identity;
     void (*write)(const VorMwSpiLogRecord* record);

@@ -9,21 +9,37 @@ namespace Vor {
 
 namespace {
 
-/// Formats the record's text and hands the record over. A record that cannot be written is dropped: logging
-/// must not fail its caller.
-template <class WriteT>
-void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format, std::va_list arguments) noexcept
-    __attribute__((format(printf, 3, 0)));
+/// A record that cannot be written is dropped, here and below: logging must not fail its caller.
+void writeTo(const VorMwSpiLog_1* log, const VorMwSpiLogRecord& record) noexcept {
+    try {
+        if (log != nullptr) {
+            log->write(&record);
+        }
+    } catch (...) {
+        // Nothing can be told without the log.
+    }
+}
 
-template <class WriteT>
-void writeRecord(WriteT write, VorMwSpiLogRecord record, const char* format,
-                 std::va_list arguments) noexcept {
+void writeTo(const KelMwSpiTrace* trace, const VorMwSpiLogRecord& record) noexcept {
+    try {
+        if (trace != nullptr) {
+            trace->trace(&record);
+        }
+    } catch (...) {
+        // The same.
+    }
+}
+
+/// Formats the record's text and hands the record to each service that is there.
+template <class... ServiceT>
+void writeRecord(VorMwSpiLogRecord record, const char* format, std::va_list arguments,
+                 const ServiceT*... services) noexcept {
     try {
         const std::string text = formatText(format, arguments);
         record.text = text.c_str();
-        write(&record);
+        (writeTo(services, record), ...);
     } catch (...) {
-        // Nothing can be told without the log.
+        // The same.
     }
 }
 
@@ -41,26 +57,24 @@ void LoggingWrapper::connect(const VorMwSpiLog_1* log, const KelMwSpiTrace* trac
 
 void LoggingWrapper::log(LogLevel level, const char* operation, const char* file, int line,
                          const char* subsystem, const char* format, ...) noexcept {
-    const VorMwSpiLog_1* service = _log;
-    if (service == nullptr || !isWritten(level)) {
+    if (!isWritten(level)) {
         return;
     }
     std::va_list arguments;
     va_start(arguments, format);
-    writeRecord(service->write, {static_cast<int>(level), operation, nullptr, file, line, subsystem}, format,
-                arguments);
+    writeRecord({static_cast<int>(level), operation, nullptr, file, line, subsystem}, format, arguments,
+                _log.load(), _trace.load());
     va_end(arguments);
 }
 
 void LoggingWrapper::trace(const char* operation, const char* file, int line, const char* subsystem,
                            const char* format, ...) noexcept {
-    const KelMwSpiTrace* service = _trace;
-    if (service == nullptr || !isTracing()) {
+    if (!isTracing()) {
         return;
     }
     std::va_list arguments;
     va_start(arguments, format);
-    writeRecord(service->trace, {traceLevel, operation, nullptr, file, line, subsystem}, format, arguments);
+    writeRecord({traceLevel, operation, nullptr, file, line, subsystem}, format, arguments, _trace.load());
     va_end(arguments);
 }
 

@@ -11,7 +11,7 @@ static LogCapture* current = nullptr;
 
 LogCapture::LogCapture() {
     static const VorMwSpiLog_1 log{{"Test", "VorMwSpiLog", "1"}, &LogCapture::write};
-    static const KelMwSpiTrace trace{{"Test", "KelMwSpiTrace", "1"}, &LogCapture::write};
+    static const KelMwSpiTrace trace{{"Test", "KelMwSpiTrace", "1"}, &LogCapture::writeTrace};
     current = this;
     Vor::LoggingWrapper::instance().connect(&log, &trace);
     Vor::LoggingWrapper::instance().setLevel(Vor::LoggingWrapper::traceLevel);
@@ -28,6 +28,11 @@ void LogCapture::write(const VorMwSpiLogRecord* record) {
         current->onLine(line);
     std::lock_guard lock(current->_mutex);
     current->_lines.push_back(line);
+}
+
+void LogCapture::writeTrace(const VorMwSpiLogRecord* record) {
+    if (record->level == Vor::LoggingWrapper::traceLevel)
+        write(record);
 }
 
 std::vector<LogLine> LogCapture::lines() const {

@@ -39,6 +39,7 @@ class LogCapture {
 
   private:
     static void write(const VorMwSpiLogRecord* record);
+    static void writeTrace(const VorMwSpiLogRecord* record);
 
     mutable std::mutex _mutex;
     std::vector<LogLine> _lines;

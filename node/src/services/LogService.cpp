@@ -46,8 +46,14 @@ LogService::LogService(std::ostream& out)
     : _log{{"VorNodeLog", "VorMwSpiLog", "1"},
            [](const VorMwSpiLogRecord* record) { current().write(record->level, *record); }},
       _trace{{"VorNodeLog", "KelMwSpiTrace", "1"},
-             [](const VorMwSpiLogRecord* record) { current().write(traceLevel, *record); }},
+             [](const VorMwSpiLogRecord* record) { current().writeTrace(*record); }},
       _out(out) {}
+
+void LogService::writeTrace(const VorMwSpiLogRecord& record) {
+    if (record.level >= traceLevel) {
+        write(traceLevel, record);
+    }
+}
 
 void LogService::write(int level, const VorMwSpiLogRecord& record) {
     if (level <= errorLevel) {

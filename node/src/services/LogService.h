@@ -16,10 +16,11 @@ namespace VorNode {
 ///
 ///     2026-03-05T14:15:00.123+01:00 6 operation: text
 ///
-/// That is the local time, the level (8 for every trace), the operation and the text. Control characters are
-/// written as \n, \t or \xNN, so that a line never breaks; all other bytes stay as they are. Owned by the
-/// application, which keeps the stream longer than the service and leaves the writing to it. Any thread,
-/// several at once; what cannot be written is lost.
+/// The messages that the trace gets, too, are not written again. That is the local time, the level (8 for
+/// every trace), the operation and the text. Control characters are written as \n, \t or \xNN, so that a line
+/// never breaks; all other bytes stay as they are. Owned by the application, which keeps the stream longer
+/// than the service and leaves the writing to it. Any thread, several at once; what cannot be written is
+/// lost.
 class LogService : public Service<LogService> {
   public:
     explicit LogService(std::ostream& out);
@@ -33,6 +34,8 @@ class LogService : public Service<LogService> {
 
   private:
     void write(int level, const VorMwSpiLogRecord& record);
+    /// Messages were written by the log.
+    void writeTrace(const VorMwSpiLogRecord& record);
 
     std::atomic<std::uint64_t> _errors{0};
     VorMwSpiLog_1 _log;

@@ -41,6 +41,14 @@ TEST_F(LogServiceTest, writesOneLineForEachRecord) {
     EXPECT_EQ(service.errorCount(), 1U);
 }
 
+TEST_F(LogServiceTest, writesAMessageOnceThoughTheTraceGetsItToo) {
+    const VorMwSpiLogRecord record{4, "op", "text", "file", 1, "subsystem"};
+    log.write(&record);
+    trace.trace(&record);
+    EXPECT_TRUE(out.str().ends_with(" 4 op: text\n")) << out.str();
+    EXPECT_EQ(out.str().find('\n'), out.str().size() - 1);
+}
+
 TEST_F(LogServiceTest, doesNotMixTheLinesOfThreads) {
     const auto writeOften = [this](char letter) {
         for (int i = 0; i < 2000; ++i)
