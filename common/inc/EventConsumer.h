@@ -138,9 +138,15 @@ class EventConsumer {
         }
     }
 
+    /// Null, with a warning, when there is no router; a look-up that throws finds none.
     VorOamSpiEventRouter_1* getInterface() {
         static const KelMgmtSpiInterface_1 router{"VorOamSpiEventService", "VorOamSpiEventRouter", "1"};
-        return _portal->getInterface<VorOamSpiEventRouter_1>(router);
+        try {
+            return _portal->getInterface<VorOamSpiEventRouter_1>(router);
+        } catch (...) {
+            LOG_WARNING("Interface %s not found", router.interfaceName);
+            return nullptr;
+        }
     }
 
     /// Has the router carry out an operation. One that is not there, or throws, counts as one that refuses.

@@ -42,7 +42,7 @@ class MoAccessor : public Transaction {
     /// A structured value; owns a deep copy of what it was made from.
     class Struct {
       public:
-        /// The member's value. Throws when the member is not set.
+        /// The member's value. Throws when the member is not set, or of another type.
         template <class T>
         T get(const std::string& memberName) const {
             const VorMoAttributeValueContainer_3 container = getMemberValueContainer(memberName);
@@ -50,6 +50,7 @@ class MoAccessor : public Transaction {
                 LOG_WARNING("Struct member not set: '%s'", memberName.c_str());
                 throw VorException(VorReturnFailed, "Struct member not set: '%s'", memberName.c_str());
             }
+            validateType(container, getSpiType<T>());
             return extractAttr<T>(container.values[0]);
         }
 

@@ -31,7 +31,7 @@ VorOamSpiModelRepository* Portal::modelRepository() {
     Poco::FastMutex::ScopedLock lock(_mutex);
     if (!_modelRepositoryValid && _lookup != nullptr) {
         KelMgmtSpiInterface_1* interface = nullptr;
-        _modelRepositoryValid = _lookup(&identifier, &interface) == VorReturnOk;
+        _modelRepositoryValid = _lookup(&identifier, &interface) == VorReturnOk && interface != nullptr;
         _modelRepository = reinterpret_cast<VorOamSpiModelRepository*>(interface);
     }
     return _modelRepositoryValid ? _modelRepository : nullptr;

@@ -111,13 +111,18 @@ KelReturnT stopCallback(KelStateChangeReason reason) {
     }
 }
 
+/// An identity without a component's name is somebody else's.
+bool isOwn(const KelMgmtSpiInterface_1& identity) {
+    return identity.componentName != nullptr && std::string_view(identity.componentName) == componentName;
+}
+
 }  // namespace
 
 VorPmComponent::VorPmComponent() : KelComponent(componentName, &startCallback, &stopCallback) {
     // Both are used by the destructor and have to outlive it.
     Vor::LoggingWrapper::instance();
     PmEventConsumer::instance();
-    if (std::string_view(Vor::Portal::COMP_ID.componentName) != componentName) {
+    if (!isOwn(Vor::Portal::COMP_ID)) {
         dependencies.push_back(&Vor::Portal::COMP_ID);
     }
     for (KelMgmtSpiInterface_1& interface : requiredInterfaces) {

@@ -84,7 +84,7 @@ class PmDataCollector {
 
     int getPeriodDuration(const std::string& jobDn, const std::string& attrName, TimePeriod& out);
     int getJobGroup(const std::string& jobDn, std::string& jobGroup);
-    int getCompressionType(const std::string& jobDn, int& out);
+    int getCompressionType(const std::string& jobDn, CompressionTypes& out);
 
     void resetAttrsToEmpty();
     int getActiveSwVersionDn();

@@ -38,12 +38,16 @@ int PmDataCollector::populateMo(Poco::AutoPtr<PmGpData>& gp) {
         LOG_TRACE(" << ");
         return VorReturnFailed;
     }
-    if (jobGroupingSupported && getJobGroup(jobDn, gp->_jobGroup) != VorReturnOk) {
-        LOG_TRACE(" << ");
-        return VorReturnFailed;
+    if (jobGroupingSupported) {
+        std::string jobGroup;
+        if (getJobGroup(jobDn, jobGroup) != VorReturnOk) {
+            LOG_TRACE(" << ");
+            return VorReturnFailed;
+        }
+        gp->_jobGroup = jobGroup;
     }
     if (compressionSupported) {
-        int compressionType = NO_COMPRESSION;
+        CompressionTypes compressionType = NO_COMPRESSION;
         if (getCompressionType(jobDn, compressionType) != VorReturnOk) {
             LOG_ERROR("PM Couldn't fetch PmJob::compressionType over MO SPI.");
             return VorReturnFailed;
@@ -81,11 +85,11 @@ int PmDataCollector::getJobGroup(const std::string& jobDn, std::string& jobGroup
     }
 }
 
-int PmDataCollector::getCompressionType(const std::string& jobDn, int& out) {
+int PmDataCollector::getCompressionType(const std::string& jobDn, CompressionTypes& out) {
     try {
         const auto value = openAccessor().getOptionalAttr<MoAccessor::Enum>(jobDn, "compressionType");
         if (value.isSet) {
-            out = value.value;
+            out = static_cast<CompressionTypes>(std::int16_t{value.value});
         }
         return VorReturnOk;
     } catch (const Vor::VorException& fault) {

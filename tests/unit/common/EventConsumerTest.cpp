@@ -64,6 +64,15 @@ TEST_F(EventConsumerTest, UnregistersOnceWhetherItsSubscriptionIsRefusedOrNot) {
     EXPECT_EQ(subscriber.calls, 1);
 }
 
+TEST_F(EventConsumerTest, StopsWhenTheLookUpOfTheRouterThrows) {
+    start();
+    Vor::Portal::instance().connect([](auto, auto) -> KelReturnT { throw 1; });
+    consumer.stop();
+    EXPECT_EQ(engine.messages(), Texts{"4 getInterface Interface VorOamSpiEventRouter not found"});
+    EXPECT_EQ(send(), 1U);
+    EXPECT_EQ(subscriber.calls, 0) << "what comes is not let in any more";
+}
+
 TEST_F(EventConsumerTest, HandsOnFilterAndEventButNoException) {
     engine.routerTable.addSubscription = [](auto handle, auto type, auto filter) {
         return genuine.addSubscription(handle, type, filterGiven = filter);

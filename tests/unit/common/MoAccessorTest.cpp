@@ -5,6 +5,7 @@
 #include "MoAccessor.h"
 #include "PmAttributeLookup.h"
 #include "PmEngine.h"
+#include "Portal.h"
 
 namespace VorTest {
 
@@ -83,6 +84,30 @@ TEST(MoAccessor, EndsEveryIterationAlsoWhenThereIsNoInstance) {
     engine.objectTable.nextMo = [](auto, auto** next) { return *next = nullptr, KelReturnT{0}; };
     EXPECT_THROW(accessor.getFirstMoInstance("ManagedElement", dn), Vor::VorException) << "no name";
     EXPECT_EQ(iterators.size(), 0U);
+}
+
+TEST(MoAccessor, TakesNoNumberOfAStructForAText) {
+    VorMoAttributeValue_3 one{};
+    one.number = 1;
+    VorMoAttributeValueContainer_3 number{VorMoTypeUint16, 1, &one};
+    KelMoNamedAttributeValueContainer_3 member{"productNumber", &number};
+    KelMoNamedAttributeValueContainer_3* members[] = {&member, nullptr};
+    VorMoAttributeValue_3 value{};
+    value.members = members;
+    const Vor::MoAccessor::Struct product(value);
+    EXPECT_THAT([&] { product.get<std::string>("productNumber"); },
+                testing::ThrowsMessage<Vor::VorException>("Attribute has type 3, expected 1"));
+}
+
+TEST(Portal, LooksTheModelRepositoryUpAgainWhenItGotNone) {
+    PmEngine engine;
+    Vor::Portal& portal = Vor::Portal::instance();
+    static KelMgmtSpiInterface_1* offered;
+    offered = nullptr;
+    portal.connect([](auto, auto** found) { return *found = offered, KelReturnT{0}; });
+    EXPECT_EQ(portal.modelRepository(), nullptr);
+    offered = &engine.repository.table().identity;
+    EXPECT_NE(portal.modelRepository(), nullptr);
 }
 
 TEST(AttributeExists, TellsWhatItDoesNotFind) {

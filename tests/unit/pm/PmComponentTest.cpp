@@ -8,6 +8,7 @@
 #include <malloc.h>
 
 #include "Framework.h"
+#include "Portal.h"
 
 namespace VorTest {
 namespace {
@@ -85,6 +86,13 @@ TEST(PmComponent, RegistersTheSameRecordEachTime) {
         EXPECT_EQ(Framework::registered, nullptr);
         kelLCMterminate();
     }
+}
+
+TEST(PmComponent, DependsOnAPortalThatDoesNotNameItsComponent) {
+    Vor::Portal::COMP_ID.componentName = nullptr;
+    PmEngine engine;
+    ASSERT_EQ(Framework::initialize(engine), 0);
+    EXPECT_TRUE(describe(Framework::registered->dependencies).starts_with("* KelMgmtSpiInterfacePortal 3, "));
 }
 
 TEST(PmComponent, WorksFromEachStartToItsStop) {

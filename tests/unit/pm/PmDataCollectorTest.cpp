@@ -52,6 +52,16 @@ TEST(PmDataCollector, FetchesAndReleasesThroughTheNewestVersionOffered) {
     }
 }
 
+TEST(PmDataCollector, GivesAJobWithoutGroupNone) {
+    PmEngine engine;
+    engine.collector.init();
+    engine.collector.setJobGroupingSupport();
+    Poco::AutoPtr<PmGpData> gp(new PmGpData({1, "Processor", 0, 0}, &engine.pm2));
+    gp->_jobGroup = "of the job read before";
+    EXPECT_EQ(engine.collector.populateMo(gp), 0);
+    EXPECT_EQ(gp->_jobGroup, "");
+}
+
 TEST(PmDataCollector, ComposesTheSoftwareVersion) {
     using VorNode::StructValue;
     PmEngine engine;
