@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <memory>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include <Poco/DateTimeFormat.h>
@@ -17,6 +18,7 @@
 #include "app/ReportWatcher.h"
 #include "counters/KernelCounters.h"
 #include "counters/RecordedCounters.h"
+#include "framework/ComponentSettings.h"
 #include "framework/Node.h"
 
 namespace VorTest {
@@ -180,6 +182,21 @@ TEST(Node, NamesReportsOfItsOwnModelAfterTheHost) {
         << seen;
 }
 
+TEST(Node, KnowsTheSettingsThatTheComponentReads) {
+    const WallClock clock(at("2026-03-05T10:00:30Z"));
+    NodeRun run("echo '<C><VorPmComp/></C>' >node.xml", "UTC");
+    run.node->startComponent();
+    run.node->stop();
+
+    const std::regex lookUp("'?(\\w+)'? does not exist in cfg file");
+    const std::string lines = run.log.str();
+    std::set<std::string> read;
+    for (std::sregex_iterator found(lines.begin(), lines.end(), lookUp), end; found != end; ++found)
+        read.insert(found->str(1));
+    const Texts known = VorNode::componentSettings();
+    EXPECT_EQ(read, std::set<std::string>(known.begin(), known.end()));
+}
+
 TEST(Node, AnnouncesCapabilitiesInOrderUntilOneFails) {
     runNodes("capabilities.txt");
 }
@@ -211,6 +228,22 @@ TEST(Node, PublishesKernelCountersThatReadTheSameByPlaceAndByNumber) {
         const std::string report = readReport(run.root.reportFolder() / name);
         EXPECT_EQ(valuesByPlace(report), valuesByNumber(report)) << report;
     }
+}
+
+TEST(Node, ProgramShowsWarningsAndEveryFaultOfItsInput) {
+    const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+    const fs::path model = VorNode::InstallPaths::ofThisProgram().model;
+    const TemporaryRoot root;
+    const std::string run = (folder / "vor-node").string() + " run --capabilities --root . --model m.xml";
+
+    EXPECT_EQ(runScript(root.path(), "sed 's/>%H</>name</; s/<Value>5</<Value>6</' " + model.string() +
+                                         " >m.xml && " + run + " >output 2>&1"),
+              0);
+    EXPECT_NE(readFile(root.path() / "output").find("vor-node: warning: m.xml:"), std::string::npos);
+    EXPECT_EQ(runScript(root.path(),
+                        "sed -i 's/>name</>%q</; s/<Value>6</<Value>six</' m.xml; " + run + " >output 2>&1"),
+              2);
+    EXPECT_NE(readFile(root.path() / "output").find("\nvor-node: "), std::string::npos);
 }
 
 TEST(Node, ProgramRefusesWhatItCannotUseAndEndsWellWhenItIsToldTo) {

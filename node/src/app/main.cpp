@@ -18,6 +18,7 @@
 #include "counters/KernelCounters.h"
 #include "counters/RecordedCounters.h"
 #include "framework/Node.h"
+#include "framework/OpenFiles.h"
 
 namespace {
 
@@ -125,6 +126,7 @@ ExitStatus run(const RunOptions& options) {
 int main(int argc, char** argv) {
     try {
         ::umask(0027);
+        raiseOpenFilesLimit();
         return run(parseCommandLine(argc, argv));
     } catch (const CommandLineDone&) {
         return allPublished;

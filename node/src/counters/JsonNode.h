@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
-#include <utility>
+#include <string_view>
 #include <vector>
 
 namespace VorNode {
@@ -16,12 +16,15 @@ namespace VorNode {
 /// object.
 nlohmann::json loadJson(const std::filesystem::path& file);
 
-/// A value in a JSON document and the path to it. Belongs to the code that reads the document, which must
-/// outlive it, as must the file's name. Every operation throws `InputError`, naming file, path and remedy,
-/// when the value is not what is asked for.
+/// The line of the value at the path of keys and numbers of elements, 0 when the file has no such value.
+int lineOfValue(const std::filesystem::path& file, const std::vector<std::string>& path);
+
+/// A value in a JSON document and the way to it. Belongs to the code that reads the document, which must
+/// outlive it, as must the file's name and the node that it was asked of. Every operation throws
+/// `InputError`, naming file, line, path and remedy, when the value is not what is asked for.
 class JsonNode {
   public:
-    JsonNode(const std::string& file, const nlohmann::json& value, std::string path = "");
+    JsonNode(const std::string& file, const nlohmann::json& value) : _file(file), _value(value) {}
 
     /// Refuses the value for the reason that `fault` gives.
     [[noreturn]] void fail(const std::string& fault) const;
@@ -35,11 +38,23 @@ class JsonNode {
     /// The value of `key` in this object.
     JsonNode at(const char* key) const;
 
-    /// The keys and values of this object.
-    std::vector<std::pair<std::string, JsonNode>> members() const;
+    /// Calls `visit` with each key and value of this object.
+    template <class VisitT>
+    void forEachMember(VisitT visit) const {
+        expectMembers();
+        for (const auto& [key, value] : _value.items()) {
+            visit(key, JsonNode(*this, value, key));
+        }
+    }
 
-    /// The elements of this array.
-    std::vector<JsonNode> elements() const;
+    /// Calls `visit` with each element of this array.
+    template <class VisitT>
+    void forEachElement(VisitT visit) const {
+        expect(_value.is_array(), "an array [...]");
+        for (const nlohmann::json& value : _value) {
+            visit(JsonNode(*this, value, {}));
+        }
+    }
 
     /// A text in one line that XML can hold, escaped.
     std::string text() const;
@@ -49,12 +64,19 @@ class JsonNode {
     bool boolean() const;
 
   private:
+    JsonNode(const JsonNode& parent, const nlohmann::json& value, std::string_view key)
+        : _file(parent._file), _value(value), _parent(&parent), _key(key) {}
+
     void expect(bool isAsExpected, const char* expected) const;
-    JsonNode child(const std::string& name, const nlohmann::json& value) const;
+    void expectMembers() const;
+    /// The keys and numbers of elements from the document down to this value; made for a fault only.
+    std::vector<std::string> path() const;
 
     const std::string& _file;
     const nlohmann::json& _value;
-    std::string _path;
+    const JsonNode* _parent = nullptr;
+    /// Of a member; an element has its number by its place.
+    std::string_view _key;
 };
 
 }  // namespace VorNode

@@ -51,6 +51,11 @@ const KernelClass& findClass(const std::string& jobId, const std::string& name) 
                      known);
 }
 
+bool findsSomething(const Sample& sample) {
+    return std::any_of(sample.begin(), sample.end(),
+                       [](const SampledObject& object) { return !object.readings.empty(); });
+}
+
 }  // namespace
 
 KernelCounters::KernelCounters(std::filesystem::path proc, std::filesystem::path sys)
@@ -64,6 +69,16 @@ std::unique_ptr<JobMeasurement> KernelCounters::startJob(const std::string& jobI
         found.push_back(&findClass(jobId, name));
     }
     return std::make_unique<KernelJob>(_folders, std::move(found));
+}
+
+std::vector<std::string> KernelCounters::warnings(const std::vector<std::string>& /*jobIds*/) const {
+    for (const KernelClass* kernelClass : kernelClasses()) {
+        if (findsSomething(kernelClass->read(_folders))) {
+            return {};
+        }
+    }
+    return {"there are no counters of the kernel in " + _folders.proc.string() + " and " +
+            _folders.sys.string() + "; name the kernel's file systems with --proc and --sys"};
 }
 
 }  // namespace VorNode

@@ -21,6 +21,9 @@ class KernelCounters final : public MeasurementProducer {
     std::unique_ptr<JobMeasurement> startJob(const std::string& jobId,
                                              const std::vector<std::string>& classes) override;
 
+    /// Warns of file systems in which no class finds anything.
+    std::vector<std::string> warnings(const std::vector<std::string>& jobIds) const override;
+
   private:
     KernelFolders _folders;
 };

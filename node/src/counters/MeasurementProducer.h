@@ -37,6 +37,9 @@ class MeasurementProducer {
 
     /// What people should know before these jobs are measured: each text names the place and what to do.
     virtual std::vector<std::string> warnings(const std::vector<std::string>& /*jobIds*/) const { return {}; }
+
+    /// Whether there may be arrays and Nil among the data, which version 1 of the PM service does not carry.
+    virtual bool needsVersion2() const { return true; }
 };
 
 }  // namespace VorNode

@@ -6,6 +6,7 @@
 
 #include <Poco/Ascii.h>
 
+#include "InputError.h"
 #include "counters/CollectorOrder.h"
 #include "counters/JsonNode.h"
 
@@ -27,17 +28,13 @@ class RecordedJob final : public JobMeasurement {
 
 std::vector<std::int64_t> readIntegers(const JsonNode& array) {
     std::vector<std::int64_t> integers;
-    for (const JsonNode& element : array.elements()) {
-        integers.push_back(element.integer());
-    }
+    array.forEachElement([&](const JsonNode& element) { integers.push_back(element.integer()); });
     return integers;
 }
 
 std::vector<double> readNumbers(const JsonNode& array) {
     std::vector<double> numbers;
-    for (const JsonNode& element : array.elements()) {
-        numbers.push_back(element.number());
-    }
+    array.forEachElement([&](const JsonNode& element) { numbers.push_back(element.number()); });
     return numbers;
 }
 
@@ -69,7 +66,7 @@ MeasuredValue readValue(const JsonNode& node) {
         node.fail("has " + std::to_string(values.size()) +
                   R"( values; write exactly one of "int", "float", "ints", "floats", "nil")");
     }
-    return values.front();
+    return std::move(values.front());
 }
 
 /// An XML name of ASCII characters.
@@ -108,9 +105,8 @@ Measurement readMeasurement(const JsonNode& node) {
 MeasuredObject readObject(const JsonNode& node) {
     node.expectKeys({"ldn", "values"});
     MeasuredObject object{node.at("ldn").text(), {}};
-    for (const JsonNode& value : node.at("values").elements()) {
-        object.values.push_back(readMeasurement(value));
-    }
+    node.at("values").forEachElement(
+        [&](const JsonNode& value) { object.values.push_back(readMeasurement(value)); });
     return object;
 }
 
@@ -120,19 +116,23 @@ MeasuredClass readClass(const JsonNode& node) {
     if (const auto name = node.find("name")) {
         measured.name = readClassName(*name);
     }
-    for (const JsonNode& object : node.at("objects").elements()) {
-        measured.objects.push_back(readObject(object));
-    }
+    node.at("objects").forEachElement(
+        [&](const JsonNode& object) { measured.objects.push_back(readObject(object)); });
     return measured;
 }
 
 MeasurementData readJob(const JsonNode& node) {
     node.expectKeys({"classes"});
     MeasurementData data;
-    for (const JsonNode& measured : node.at("classes").elements()) {
-        data.push_back(readClass(measured));
-    }
+    node.at("classes").forEachElement([&](const JsonNode& measured) { data.push_back(readClass(measured)); });
     return data;
+}
+
+bool needsVersion2(const MeasuredObject& object) {
+    return std::any_of(object.values.begin(), object.values.end(), [](const Measurement& measurement) {
+        return !std::holds_alternative<std::int64_t>(measurement.value) &&
+               !std::holds_alternative<double>(measurement.value);
+    });
 }
 
 std::string misfiledText(const MeasuredClass& measured, const std::string& jobId) {
@@ -148,9 +148,8 @@ RecordedCounters::RecordedCounters(const std::filesystem::path& file) : _file(fi
     const nlohmann::json document = loadJson(file);
     const JsonNode root(_file, document);
     root.expectKeys({"jobs"});
-    for (const auto& [id, job] : root.at("jobs").members()) {
-        _jobs.emplace(id, readJob(job));
-    }
+    root.at("jobs").forEachMember(
+        [&](const std::string& id, const JsonNode& job) { _jobs.emplace(id, readJob(job)); });
 }
 
 std::unique_ptr<JobMeasurement> RecordedCounters::startJob(const std::string& jobId,
@@ -161,6 +160,15 @@ std::unique_ptr<JobMeasurement> RecordedCounters::startJob(const std::string& jo
 
 std::vector<std::string> RecordedCounters::warnings(const std::vector<std::string>& jobIds) const {
     std::vector<std::string> warnings;
+    for (const auto& [id, data] : _jobs) {
+        if (std::find(jobIds.begin(), jobIds.end(), id) == jobIds.end()) {
+            warnings.emplace_back(InputError(_file, lineOfValue(_file, {"jobs", id}),
+                                             "the model has no active job " + id +
+                                                 ", so its data is not reported; correct the id, or write a "
+                                                 "PmJob object with it into the model")
+                                      .what());
+        }
+    }
     for (const std::string& id : jobIds) {
         const auto job = _jobs.find(id);
         if (job == _jobs.end()) {
@@ -173,6 +181,17 @@ std::vector<std::string> RecordedCounters::warnings(const std::vector<std::strin
         }
     }
     return warnings;
+}
+
+bool RecordedCounters::needsVersion2() const {
+    for (const auto& [id, data] : _jobs) {
+        for (const MeasuredClass& measured : data) {
+            if (std::any_of(measured.objects.begin(), measured.objects.end(), VorNode::needsVersion2)) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 }  // namespace VorNode

@@ -32,8 +32,11 @@ class RecordedCounters final : public MeasurementProducer {
     std::unique_ptr<JobMeasurement> startJob(const std::string& jobId,
                                              const std::vector<std::string>& classes) override;
 
-    /// Names the classes whose values some collectors would take for those of other types.
+    /// Names the recorded jobs that are not among these, and the classes whose values some collectors would
+    /// take for those of other types.
     std::vector<std::string> warnings(const std::vector<std::string>& jobIds) const override;
+
+    bool needsVersion2() const override;
 
   private:
     const std::string _file;

@@ -4,6 +4,8 @@
 #include <string_view>
 #include <utility>
 
+#include "Findings.h"
+#include "framework/ComponentSettings.h"
 #include "model/XmlFile.h"
 
 namespace VorNode {
@@ -35,23 +37,37 @@ void readChoice(const XmlFile& file, const XmlElement& node, const std::string& 
     file.refuse(*element, name + " is '" + element->text + "'" + remedy);
 }
 
-}  // namespace
-
-NodeConfiguration loadNodeConfiguration(const std::string& path) {
-    const XmlFile file(path);
-    NodeConfiguration configuration;
-    if (const XmlElement* node = file.child(file.root(), "VorNode")) {
-        file.expectAttributes(*node, {});
-        file.expectNoText(*node);
-        file.expectChildren(*node, {"pmServiceVersions", "fileManagement"});
+void readNodeElement(const XmlFile& file, const XmlElement& node, NodeConfiguration& configuration,
+                     Findings& findings) {
+    findings.collect([&] { file.expectAttributes(node, {}); });
+    findings.collect([&] { file.expectNoText(node); });
+    findings.collect([&] { file.expectChildren(node, {"pmServiceVersions", "fileManagement"}); });
+    findings.collect([&] {
         readChoice<PmVersions>(
-            file, *node, "pmServiceVersions",
+            file, node, "pmServiceVersions",
             {{"1", PmVersions::One}, {"2", PmVersions::Two}, {"1 2", PmVersions::OneAndTwo}},
             configuration.pmServiceVersions);
-        readChoice<FileManagement>(file, *node, "fileManagement",
+        const XmlElement* versions = file.child(node, "pmServiceVersions");
+        configuration.pmServiceVersionsLine = versions != nullptr ? versions->line : 0;
+    });
+    findings.collect([&] {
+        readChoice<FileManagement>(file, node, "fileManagement",
                                    {{"absent", FileManagement::Absent}, {"present", FileManagement::Present}},
                                    configuration.fileManagement);
-    }
+    });
+}
+
+}  // namespace
+
+NodeConfiguration loadNodeConfiguration(const std::string& path, Findings& findings) {
+    NodeConfiguration configuration;
+    findings.collect([&] {
+        const XmlFile file(path);
+        checkComponentSettings(file, findings);
+        if (const XmlElement* node = file.child(file.root(), "VorNode")) {
+            readNodeElement(file, *node, configuration, findings);
+        }
+    });
     return configuration;
 }
 

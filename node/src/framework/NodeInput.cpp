@@ -4,6 +4,8 @@
 
 #include "Findings.h"
 #include "counters/MeasurementProducer.h"
+#include "model/ClassPaths.h"
+#include "model/JobWarnings.h"
 #include "model/ModelFile.h"
 
 namespace VorNode {
@@ -11,8 +13,7 @@ namespace VorNode {
 namespace {
 
 /// The objects without which the component does not start.
-constexpr const char* neededClasses[]{"ManagedElement", "ManagedElement,SystemFunctions,Pm",
-                                      "ManagedElement,SystemFunctions,Pm,PmMeasurementCapabilities"};
+constexpr const char* neededClasses[]{elementClass, pmClass, capabilitiesClass};
 
 void checkNeededObjects(const Model& model, Findings& findings) {
     for (const std::string classPath : neededClasses) {
@@ -38,11 +39,14 @@ std::vector<MeasurementJob> readJobs(const Model& model, Findings& findings) {
 NodeInput readNodeInput(const std::filesystem::path& configuration, const std::filesystem::path& model,
                         Findings& findings) {
     NodeInput input;
-    findings.collect([&] { input.configuration = loadNodeConfiguration(configuration); });
+    input.configurationFile = configuration;
+    input.configuration = loadNodeConfiguration(configuration, findings);
     findings.collect([&] { input.model = loadModel(model); });
     if (input.model) {
         checkNeededObjects(*input.model, findings);
+        warnOfCapabilities(*input.model, findings);
         input.jobs = readJobs(*input.model, findings);
+        warnOfJobs(*input.model, input.jobs, findings);
     }
     return input;
 }
@@ -56,6 +60,11 @@ void checkMeasuring(const NodeInput& input, MeasurementProducer& producer, Findi
         } catch (const InputError& fault) {
             findings.refuse(input.model->source().finding(job.dn, "measuredClasses", fault.what()));
         }
+    }
+    if (input.configuration.pmServiceVersions == PmVersions::One && producer.needsVersion2()) {
+        findings.warn({input.configurationFile, input.configuration.pmServiceVersionsLine,
+                       "pmServiceVersions is 1: reports leave out arrays, and values that could not be "
+                       "measured; write 2, or 1 2"});
     }
     for (const std::string& warning : producer.warnings(ids)) {
         findings.warn(InputError(warning));

@@ -15,6 +15,7 @@ class MeasurementProducer;
 
 /// What a node is made from.
 struct NodeInput {
+    std::filesystem::path configurationFile;
     NodeConfiguration configuration;
     /// Null when the file was refused.
     std::unique_ptr<Model> model;

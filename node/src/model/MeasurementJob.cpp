@@ -3,6 +3,7 @@
 #include <array>
 
 #include "Findings.h"
+#include "model/ClassPaths.h"
 #include "model/Dn.h"
 #include "model/Model.h"
 
@@ -10,7 +11,6 @@ namespace VorNode {
 
 namespace {
 
-constexpr const char* jobClass = "ManagedElement,SystemFunctions,Pm,PmJob";
 constexpr std::int16_t activeState = 1;
 
 using namespace std::chrono_literals;

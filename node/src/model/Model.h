@@ -62,7 +62,8 @@ struct AttributeWrite {
     AttributeValues values;
 };
 
-/// Where a file gives the model's objects and attributes, for messages about them.
+/// Where a file gives the model's classes, by path, and objects, by dn, and their attributes: for messages
+/// about them.
 class ModelSource {
   public:
     explicit ModelSource(std::string file = {}) : _file(std::move(file)) {}

@@ -132,8 +132,10 @@ class ModelReader {
                          quoted(definition.path) +
                              " is no path of a class; write it as in ManagedElement,SystemFunctions");
         }
+        _model->source().note(definition.path, "", element.line);
         for (const XmlElement& child : element.children) {
             definition.attributes.push_back(readDefinition(child));
+            _model->source().note(definition.path, definition.attributes.back().name, child.line);
         }
         if (!_model->addClass(std::move(definition))) {
             _file.refuse(element,

@@ -4,13 +4,11 @@
 #include <string_view>
 
 #include "Findings.h"
+#include "model/ClassPaths.h"
 
 namespace VorNode {
 
 namespace {
-
-constexpr const char* elementClass = "ManagedElement";
-constexpr const char* jobClass = "ManagedElement,SystemFunctions,Pm,PmJob";
 
 /// A file's name has 255 bytes: 30 for the times, one before the group, and seven for ".xml.gz".
 constexpr std::size_t longestElementAndGroup = 217;
@@ -29,7 +27,7 @@ constexpr ReportText reportTexts[]{
     {elementClass, "userLabel", unescaped},
     {elementClass, "dnPrefix", unescaped},
     {elementClass, "productIdentity", unescaped},
-    {"ManagedElement,SystemFunctions,SwInventory,SwVersion", "administrativeData", unescaped},
+    {softwareVersionClass, "administrativeData", unescaped},
     {jobClass, "jobGroup", "/"},
 };
 

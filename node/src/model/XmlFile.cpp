@@ -1,10 +1,8 @@
 #include "model/XmlFile.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <fstream>
+#include <sstream>
 #include <string>
-#include <system_error>
 #include <utility>
 
 #include <Poco/SAX/Attributes.h>
@@ -16,6 +14,7 @@
 #include <Poco/String.h>
 
 #include "InputError.h"
+#include "InputFile.h"
 #include "ParserGuard.h"
 
 namespace VorNode {
@@ -70,7 +69,9 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
     void close() {
         XmlElement element = std::move(_open.back());
         _open.pop_back();
+        const std::size_t length = element.text.size();
         Poco::trimInPlace(element.text);
+        element.hasSpaceAround = element.text.size() != length;
         if (_open.empty()) {
             _root = std::move(element);
         } else {
@@ -86,23 +87,10 @@ class TreeBuilder : public Poco::XML::DefaultHandler {
     Vor::ParserGuard _guard;
 };
 
-std::ifstream openFile(const std::string& path) {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    file.peek();
-    // A folder can be opened, but not read.
-    if (!file.is_open() || file.bad()) {
-        throw InputError(path, 0,
-                         "cannot be read (" + std::generic_category().message(errno) +
-                             "); give the path of a readable XML file");
-    }
-    return file;
-}
-
 XmlElement parse(const std::string& path) {
     using Poco::XML::XMLReader;
-    std::ifstream file = openFile(path);
-    Poco::XML::InputSource source(file);
+    std::istringstream text(readInputFile(path, "an XML file"));
+    Poco::XML::InputSource source(text);
     Poco::XML::SAXParser parser;
     TreeBuilder builder(path);
     // Names are taken as they are written: a declaration of a name space is an unknown attribute like any
@@ -141,8 +129,12 @@ std::string proposal(std::initializer_list<std::string_view> names) {
 
 XmlFile::XmlFile(const std::string& path) : _path(path), _root(parse(path)) {}
 
+InputError XmlFile::finding(const XmlElement& element, const std::string& text) const {
+    return {_path, element.line, text};
+}
+
 void XmlFile::refuse(const XmlElement& element, const std::string& text) const {
-    throw InputError(_path, element.line, text);
+    throw finding(element, text);
 }
 
 const XmlElement* XmlFile::child(const XmlElement& element, const std::string& name) const {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "InputError.h"
+
 namespace VorNode {
 
 /// One element of an XML file with all that it contains. A plain value.
@@ -14,6 +16,7 @@ struct XmlElement {
     std::map<std::string, std::string> attributes;
     /// The element's own text, without the white space around it.
     std::string text;
+    bool hasSpaceAround = false;
     std::vector<XmlElement> children;
     int line = 0;
 };
@@ -28,6 +31,9 @@ class XmlFile {
     explicit XmlFile(const std::string& path);
 
     const XmlElement& root() const { return _root; }
+
+    /// The text with file and line in front.
+    InputError finding(const XmlElement& element, const std::string& text) const;
 
     /// The text tells the fault and what to write instead.
     [[noreturn]] void refuse(const XmlElement& element, const std::string& text) const;

@@ -28,7 +28,7 @@ TEST(RecordedCounters, refuseUnusableFilesNamingLineOrPlace) {
         R"({"jobs": {"J1": {"classes": [{"objects": [{"ldn": "", "values": []}, {"ldn": "", "values": [{)";
     for (const auto& row : VorTest::goldenTable("counter-faults.txt")) {
         const bool isFile = row[0] == "file";
-        const std::string place = isFile ? "" : ": jobs/J1/classes/0/objects/1/values/0";
+        const std::string place = isFile ? "" : ":1: jobs/J1/classes/0/objects/1/values/0";
         VorTest::writeFile(file.path(),
                            isFile ? VorTest::withLineFeeds(row[1]) : object + row[1] + "}]}]}]}}}");
         EXPECT_THAT([&] { RecordedCounters{file.path()}; },
