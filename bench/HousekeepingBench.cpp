@@ -6,7 +6,7 @@
 
 #include "BenchEngine.h"
 #include "PmHousekeeping.h"
-#include "PmReportNames.h"
+#include "PmReportWriter.h"
 
 namespace VorBench {
 namespace {
@@ -17,9 +17,10 @@ constexpr std::uint64_t excess = 100;
 void createReports(std::uint64_t count) {
     constexpr std::uint64_t minute = 60'000'000'000;
     for (std::uint64_t begin = 25'000'000 * minute; count > 0; --count, begin += minute) {
-        const std::string name =
-            VorPm::buildReportName({begin, begin + minute, VorPm::TimeForm::Utc, "ME1", ""});
-        VorTest::writeFile(BenchEngine::instance().root.reportFolder() / name, "");
+        VorPm::PmReportWriter report("", VorPm::NO_COMPRESSION, begin, begin + minute);
+        report.setMeId("ME1");
+        report.setUtcFormat(true);
+        VorTest::writeFile(BenchEngine::instance().root.reportFolder() / report.createFileName(), "");
     }
 }
 

@@ -8,12 +8,12 @@
 
 #include "FuzzSupport.h"
 #include "PmReportNames.h"
+#include "PmReportWriter.h"
 #include "VorException.h"
 
 namespace {
 
 using VorFuzz::expect;
-using VorPm::TimeForm;
 
 constexpr std::array<const char*, 6> zones{
     "UTC0", "CET-1CEST,M3.5.0,M10.5.0/3", "NST3:30NDT,M3.2.0,M11.1.0", "IST-5:30", "<+14>-14", "<-12>12"};
@@ -29,23 +29,23 @@ void readName(const std::string& name) {
     }
 }
 
-std::tm broken(std::time_t time, TimeForm form) {
+std::tm broken(std::time_t time, bool utc) {
     std::tm fields{};
-    form == TimeForm::Local ? ::localtime_r(&time, &fields) : ::gmtime_r(&time, &fields);
+    utc ? ::gmtime_r(&time, &fields) : ::localtime_r(&time, &fields);
     return fields;
 }
 
 std::string print(std::time_t time, const char* format) {
     std::array<char, 20> text{};
-    const std::tm fields = broken(time, TimeForm::Utc);
+    const std::tm fields = broken(time, true);
     return {text.data(), std::strftime(text.data(), text.size(), format, &fields)};
 }
 
-/// The end is taken to lie on the begin's day, in the form's time; both are told in UTC.
-std::string keyOf(std::time_t begin, std::time_t end, TimeForm form, const std::string& owner) {
-    std::tm last = broken(end, form);
+/// The end is taken to lie on the begin's day, in UTC or local time; both are told in UTC.
+std::string keyOf(std::time_t begin, std::time_t end, bool utc, const std::string& owner) {
+    std::tm last = broken(end, utc);
     const long offset = last.tm_gmtoff;
-    const std::tm first = broken(begin, form);
+    const std::tm first = broken(begin, utc);
     last.tm_year = first.tm_year;
     last.tm_mon = first.tm_mon;
     last.tm_mday = first.tm_mday;
@@ -62,11 +62,14 @@ void makeName(const std::uint8_t* data, const std::string& owner) {
     const std::string id = owner.substr(0, line);
     const std::string group = line == std::string::npos ? "" : owner.substr(line + 1);
     const std::time_t end = std::time_t{begin} + std::time_t{minutes} * 60;
-    for (const TimeForm form : {TimeForm::Local, TimeForm::Utc}) {
-        const std::string name = VorPm::buildReportName(
-            {begin * 1'000'000'000ULL, static_cast<std::uint64_t>(end) * 1'000'000'000ULL, form, id, group});
+    for (const bool utc : {false, true}) {
+        VorPm::PmReportWriter report(group, VorPm::NO_COMPRESSION, begin * 1'000'000'000ULL,
+                                     static_cast<std::uint64_t>(end) * 1'000'000'000ULL);
+        report.setMeId(id);
+        report.setUtcFormat(utc);
+        const std::string name = report.createFileName();
         expect(VorPm::isValidROPFileName(name) && VorPm::isValidROPFileName(name + ".gz"), "names are valid");
-        const std::string key = keyOf(begin, end, form, group.empty() ? id : id + "_" + group);
+        const std::string key = keyOf(begin, end, utc, group.empty() ? id : id + "_" + group);
         expect(VorPm::generateKey(name) == key && VorPm::generateKey(name + ".gz") == key,
                "keys tell period and owner");
     }

@@ -33,6 +33,10 @@ void writeTo(const KelMwSpiTrace* trace, const VorMwSpiLogRecord& record) noexce
 /// Formats the record's text and hands the record to each service that is there.
 template <class... ServiceT>
 void writeRecord(VorMwSpiLogRecord record, const char* format, std::va_list arguments,
+                 const ServiceT*... services) noexcept __attribute__((format(printf, 2, 0)));
+
+template <class... ServiceT>
+void writeRecord(VorMwSpiLogRecord record, const char* format, std::va_list arguments,
                  const ServiceT*... services) noexcept {
     try {
         const std::string text = formatText(format, arguments);

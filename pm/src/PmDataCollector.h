@@ -100,7 +100,7 @@ class PmDataCollector {
 
     /// Writes an attribute in a transaction of its own.
     template <class T>
-    KelReturnT setMoAttribute(const std::string& dn, const std::string& attrName, T value);
+    KelReturnT setMoAttribute(std::string dn, std::string attrName, T value);
     /// The dn of the logical file system. Throws `Vor::VorException` when there is none.
     std::string getFileMDnPrefix();
 

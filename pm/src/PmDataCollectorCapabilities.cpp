@@ -125,7 +125,8 @@ bool PmDataCollector::isFileMPresentInTarn() {
 }
 
 template <class T>
-KelReturnT PmDataCollector::setMoAttribute(const std::string& dn, const std::string& attrName, T value) {
+// NOLINTNEXTLINE(performance-unnecessary-value-param): what is written is the operation's own.
+KelReturnT PmDataCollector::setMoAttribute(std::string dn, std::string attrName, T value) {
     try {
         MoAccessor accessor = openAccessor();
         LOG_TRACE("set %s attribute ", attrName.c_str());

@@ -11,7 +11,7 @@
 namespace VorPm {
 
 /// Orders names byte by byte.
-struct CounterCompare {
+struct counterCompare {
     bool operator()(const char* left, const char* right) const { return std::strcmp(left, right) < 0; }
 };
 
@@ -88,7 +88,7 @@ class PmMeasTypes {
 
     std::uint32_t search(const char* name) {
         const auto isBefore = [this](std::uint32_t number, const char* other) {
-            return CounterCompare()(_types[number].name.data(), other);
+            return counterCompare()(_types[number].name.data(), other);
         };
         // New names often come in their order.
         auto place = _byName.end();

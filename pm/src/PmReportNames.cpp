@@ -32,25 +32,10 @@ std::string ownerText(const std::string& fileName) {
     return fileName.substr(start, fileName.rfind(".xml") - start);
 }
 
-std::string clockText(std::uint64_t nanoseconds, TimeForm form) {
-    return formatTime(nanoseconds, "%H%M", form) +
-           (form == TimeForm::Local ? timeZoneSuffix(nanoseconds) : std::string());
-}
-
 }  // namespace
 
-std::string buildReportName(const ReportIdentity& report) {
-    std::string name = "A";
-    name +=
-        formatTime(report.beginTime, "%Y%m%d", report.form) + "." + clockText(report.beginTime, report.form);
-    name += "-" + clockText(report.endTime, report.form) + "_" + report.meId;
-    if (!report.jobGroup.empty()) {
-        name += "_" + report.jobGroup;
-    }
-    return name + ".xml";
-}
-
-bool isValidROPFileName(const std::string& fileName) {
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the name is the caller's to give away.
+bool isValidROPFileName(std::string fileName) {
     return fileName.size() >= shortestName && (fileName.ends_with(".xml") || fileName.ends_with(".gz")) &&
            !hasLetter(std::string_view(fileName).substr(1, 8)) && !hasLetter(periodText(fileName));
 }

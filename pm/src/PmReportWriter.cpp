@@ -7,7 +7,6 @@
 
 #include "PmLog.h"
 #include "PmPublishing.h"
-#include "PmReportNames.h"
 #include "PmStorage.h"
 #include "VorException.h"
 
@@ -43,7 +42,7 @@ PmReportWriter::PmReportWriter(const std::string& jobGroup, int compressionType,
 bool PmReportWriter::openFile() {
     LOG_TRACE(" >> ");
     buildFilePath();
-    _endTimeStamp = formatTimeStamp(_endTime, _timeForm);
+    _endTimeStamp = formatTimeStamp(_endTime, _utcFormat);
     if (!createFile()) {
         LOG_ERROR("Error opening file %s for writing: %s", _filePath.c_str(), std::strerror(errno));
     }
@@ -57,10 +56,6 @@ void PmReportWriter::buildFilePath() {
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Failed fetching temporary report location: %s", fault.what());
     }
-}
-
-std::string PmReportWriter::createFileName() const {
-    return buildReportName({_beginTime, _endTime, _timeForm, _meId, _jobGroup});
 }
 
 bool PmReportWriter::createFile() {
@@ -302,7 +297,7 @@ void PmReportWriter::appendFileHeader() {
         }
         writeToFile("/>\n");
     }
-    writeToFile("\t\t<measCollec beginTime=\"", formatTimeStamp(_beginTime, _timeForm), "\"/>\n",  //
+    writeToFile("\t\t<measCollec beginTime=\"", formatTimeStamp(_beginTime, _utcFormat), "\"/>\n",  //
                 "\t</fileHeader>\n");
     startMeasDataBlock();
     appendManagedElementTag();

@@ -48,7 +48,10 @@ class PmReportWriter {
     void setMeDnPrefix(const std::string& meDnPrefix) { _meDnPrefix = meDnPrefix; }
     void setMeId(const std::string& meId) { _meId = meId; }
     void setMeUserLabel(const std::string& meUserLabel) { _meUserLabel = meUserLabel; }
-    void setUtcFormat(const bool& utcFormat) { _timeForm = utcFormat ? TimeForm::Utc : TimeForm::Local; }
+    void setUtcFormat(const bool& utcFormat) { _utcFormat = utcFormat; }
+
+    /// The report's file name, without folder, such as A20170305.1415+0100-1430+0100_ME1_G1.xml.
+    std::string createFileName() const;
 
     /// Creates the report's file; its name is fixed from here on. False, with a message, when it cannot be
     /// created.
@@ -68,6 +71,16 @@ class PmReportWriter {
     void interrupt() { _interrupted = 1; }
 
   private:
+    /// Lets the tests look at the texts of times.
+    friend struct PmReportWriterTimes;
+
+    /// The instant, in ns since the Unix epoch, printed with a `Poco::DateTimeFormatter` format.
+    static std::string formatTime(std::uint64_t nanoseconds, const std::string& format, bool utc);
+    /// YYYY-MM-DDThh:mm:ss, in local form followed by the offset from UTC, such as +01:00.
+    static std::string formatTimeStamp(std::uint64_t nanoseconds, bool utc);
+    /// The local offset from UTC valid at that instant, such as +0100.
+    static std::string timeZoneSuffix(std::uint64_t nanoseconds);
+
     template <class TraitsT>
     bool write(PmGpData& gp);
     template <class TraitsT>
@@ -84,7 +97,8 @@ class PmReportWriter {
     bool returnToLastGoodPosition();
     void checkInterrupt();
     void buildFilePath();
-    std::string createFileName() const;
+    /// The time of day in the report's name, in local form with the offset from UTC.
+    std::string clockText(std::uint64_t nanoseconds) const;
     static std::string covertSpecialCharactersToEscapeForm(std::string_view text);
 
     void appendFileHeader();
@@ -118,7 +132,8 @@ class PmReportWriter {
     /// Those of the class being written; the names are the GP's.
     PmMeasTypes _measTypes;
     const std::string _jobGroup;
-    TimeForm _timeForm = TimeForm::Local;
+    /// Times are told in UTC, not in the local zone.
+    bool _utcFormat = false;
     /// The one field that other threads touch.
     Poco::AtomicCounter _interrupted{0};
     std::string _filePath;
