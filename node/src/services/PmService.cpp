@@ -12,7 +12,7 @@ namespace VorNode {
 namespace {
 
 /// So long at most a change of the wall clock goes unnoticed.
-constexpr Poco::Timestamp::TimeDiff longestWait = 200'000;
+constexpr Poco::Timestamp::TimeDiff longestWait = 1'000'000;
 
 constexpr char componentName[] = "VorNodePm";
 constexpr char interfaceName[] = "VorOamSpiPm";

@@ -171,10 +171,10 @@ TEST_F(PmServiceTest, dropsTheRunningPeriodWhenTheClockIsSet) {
     service.start();
     notes.expect({"cut J1 0 partial", "announced 1 J1 0", "withdrawn 1 J1 0"});
     VorTest::WallClock::shift(3600'000 * millisecond);
-    notes.expect({"step 3600", "cut J1 3601 partial", "announced 2 J1 3601", "withdrawn 2 J1 3601"});
-    notes.expect({"cut J1 3602 whole", "announced 3 J1 3602", "withdrawn 3 J1 3602"});
+    notes.expect({"step 3600", "cut J1 3602 partial", "announced 2 J1 3602", "withdrawn 2 J1 3602"});
+    notes.expect({"cut J1 3603 whole", "announced 3 J1 3603", "withdrawn 3 J1 3603"});
     VorTest::WallClock::shift(-7200'000 * millisecond);
-    notes.expect({"step -7200", "cut J1 -3597 partial", "announced 4 J1 -3597"});
+    notes.expect({"step -7200", "cut J1 -3595 partial", "announced 4 J1 -3595"});
 }
 
 TEST_F(PmServiceTest, marksWhatWasNotMeasuredFromBoundaryToBoundary) {
