@@ -2,13 +2,10 @@
 
 #include <string>
 
-#include <Poco/DateTime.h>
-#include <Poco/DateTimeFormatter.h>
-#include <Poco/NumberFormatter.h>
-#include <Poco/Timespan.h>
 #include <Poco/Timestamp.h>
 
 #include "LocalTime.h"
+#include "PlainText.h"
 #include "services/Operation.h"
 
 namespace VorNode {
@@ -18,26 +15,8 @@ namespace {
 constexpr int errorLevel = 3;
 constexpr int traceLevel = 8;
 
-/// The zone is asked of the system for that very instant: POCO's own knows today's offset only.
-std::string formatLocalTime(Poco::Timestamp time) {
-    const int offset = static_cast<int>(localTime(time).tm_gmtoff);
-    const Poco::DateTime shifted(time + Poco::Timespan(offset, 0));
-    return Poco::DateTimeFormatter::format(shifted, "%Y-%m-%dT%H:%M:%S.%i%z", offset);
-}
-
-void appendEscaped(const char* text, std::string& line) {
-    for (const char* next = text == nullptr ? "" : text; *next != '\0'; ++next) {
-        const unsigned char byte = static_cast<unsigned char>(*next);
-        if (byte == '\n') {
-            line += "\\n";
-        } else if (byte == '\t') {
-            line += "\\t";
-        } else if (byte < 0x20 || byte == 0x7f) {
-            line += "\\x" + Poco::NumberFormatter::formatHex(static_cast<unsigned>(byte), 2);
-        } else {
-            line += *next;
-        }
-    }
+std::string plainTextOf(const char* text) {
+    return plainText(text == nullptr ? "" : text);
 }
 
 }  // namespace
@@ -62,11 +41,8 @@ void LogService::write(int level, const VorMwSpiLogRecord& record) {
     carryOut([&] {
         // The time is taken under the lock: lines are in its order.
         Poco::FastMutex::ScopedLock lock(_mutex);
-        std::string line = formatLocalTime(Poco::Timestamp()) + ' ' + std::to_string(level) + ' ';
-        appendEscaped(record.operation, line);
-        line += ": ";
-        appendEscaped(record.text, line);
-        line += '\n';
+        const std::string line = formatLocalTime(Poco::Timestamp()) + ' ' + std::to_string(level) + ' ' +
+                                 plainTextOf(record.operation) + ": " + plainTextOf(record.text) + '\n';
         _out << line << std::flush;
     });
 }

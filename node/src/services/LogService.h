@@ -17,10 +17,9 @@ namespace VorNode {
 ///     2026-03-05T14:15:00.123+01:00 6 operation: text
 ///
 /// The messages that the trace gets, too, are not written again. That is the local time, the level (8 for
-/// every trace), the operation and the text. Control characters are written as \n, \t or \xNN, so that a line
-/// never breaks; all other bytes stay as they are. Owned by the application, which keeps the stream longer
-/// than the service and leaves the writing to it. Any thread, several at once; what cannot be written is
-/// lost.
+/// every trace), the operation and the text, as plain text. Owned by the application, which keeps the stream
+/// longer than the service and leaves the writing to it. Any thread, several at once; what cannot be written
+/// is lost.
 class LogService : public Service<LogService> {
   public:
     explicit LogService(std::ostream& out);
