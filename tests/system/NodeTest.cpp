@@ -103,7 +103,8 @@ struct NodeRun {
 
     void await(std::istream& course) {
         Poco::Semaphore published(0, 100);
-        const VorNode::ReportWatcher watcher(root.reportFolder(), [&](const auto&) { published.set(); });
+        const VorNode::ReportWatcher watcher(
+            root.reportFolder(), [&](const auto&) { published.set(); }, [](const auto&) {});
         for (std::string step; course >> step;) {
             if (step == "released" || step == "published")
                 EXPECT_TRUE((step == "released" ? watch.released : published).tryWait(60'000)) << step;

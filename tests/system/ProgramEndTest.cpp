@@ -27,7 +27,7 @@ struct ProgramEndTest : testing::Test {
         const std::string programs = fs::read_symlink("/proc/self/exe").parent_path();
         const std::string prelude =
             "cd " + root.path().string() + "; PATH=" + programs +
-            ":$PATH; umask 000; node() { LD_PRELOAD=" VOR_PROGRAM_CLOCK
+            ":$PATH; export TZ=CET-1; umask 000; node() { LD_PRELOAD=" VOR_PROGRAM_CLOCK
             " VOR_WALL_CLOCK=1772716535 ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 exec timeout 60 "
             "vor-node run --root . --model model.xml --config node.xml --counters recorded:counters.json "
             "\"$@\"; }; ";

@@ -1,48 +1,32 @@
 #include "app/Console.h"
 
-#include "app/ClockText.h"
+#include "LocalTime.h"
+#include "PlainText.h"
 
 namespace VorNode {
 
-Console::Console(std::ostream& out, std::ostream& errors, Kind kind)
-    : _out(out), _errors(errors), _kind(kind) {}
+Console::Console(int out, int errors, Kind kind) : _kind(kind), _writer(out, errors) {}
 
 void Console::say(const std::string& line) {
-    std::lock_guard lock(_mutex);
-    clearProgress();
-    _out << clockText(Poco::Timestamp()) + ' ' + line + '\n' << std::flush;
+    const std::lock_guard lock(_mutex);
+    _writer.write(LineWriter::Out, formatLocalTime(Poco::Timestamp()) + ' ' + plainText(line));
 }
 
 void Console::writeError(const std::string& line) {
-    std::lock_guard lock(_mutex);
-    clearProgress();
-    _errors << line + '\n' << std::flush;
+    _writer.write(LineWriter::Errors, plainText(line));
 }
 
 void Console::showProgress(const std::string& text) {
-    std::lock_guard lock(_mutex);
-    if (_kind == Kind::Terminal && text != _progress) {
-        clearProgress();
-        _out << text << std::flush;
-        _progress = text;
-    }
-}
-
-void Console::clearProgress() {
-    if (!_progress.empty()) {
-        _out << '\r' + std::string(_progress.size(), ' ') + '\r' << std::flush;
-        _progress.clear();
+    if (isTerminal()) {
+        _writer.showProgress(plainText(text));
     }
 }
 
 int Console::ErrorLineBuffer::sync() {
-    std::string lines = str();
+    std::istringstream lines(str());
     str("");
-    if (lines.ends_with('\n')) {
-        lines.pop_back();
-    }
-    if (!lines.empty()) {
-        _console.writeError(lines);
+    for (std::string line; std::getline(lines, line);) {
+        _console.writeError(line);
     }
     return 0;
 }

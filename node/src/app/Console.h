@@ -1,26 +1,30 @@
 #pragma once
 
-#include <cstddef>
 #include <mutex>
 #include <ostream>
 #include <sstream>
 #include <string>
 
+#include "app/LineWriter.h"
+
 namespace VorNode {
 
 /// The terminal, or whatever the program writes to: whole lines for people, whole lines of faults and of the
-/// log, and on a terminal one line that is written over and over. Owned by the application; any thread.
+/// log, and on a terminal one line that is written over and over. Control characters are escaped, as those of
+/// the log are. Nothing waits until it is written. Owned by the application; any thread.
 class Console {
   public:
     enum class Kind { Terminal, Plain };
 
-    /// Both streams outlive the console, and are written to through it only.
-    Console(std::ostream& out, std::ostream& errors, Kind kind);
+    /// Both descriptors stay open as long as the process lives, and are written to through the console only.
+    Console(int out, int errors, Kind kind);
+
+    bool isTerminal() const { return _kind == Kind::Terminal; }
 
     /// A status line, with the time in front.
     void say(const std::string& line);
 
-    /// A line on the stream of errors, as it is.
+    /// A line on the stream of errors.
     void writeError(const std::string& line);
 
     /// Replaces the line that is written over; nothing but on a terminal.
@@ -29,6 +33,9 @@ class Console {
     /// A stream of lines for the stream of errors: each flush writes what was collected. One thread at a
     /// time.
     std::ostream& errorLines() { return _errorLines; }
+
+    /// Lets what was said be written, for at most a second; what comes later is dropped.
+    void close() { _writer.close(); }
 
   private:
     class ErrorLineBuffer : public std::stringbuf {
@@ -40,15 +47,10 @@ class Console {
         Console& _console;
     };
 
-    /// With the lock held.
-    void clearProgress();
-
-    /// Guards the streams and the progress.
-    std::mutex _mutex;
-    std::ostream& _out;
-    std::ostream& _errors;
     const Kind _kind;
-    std::string _progress;
+    LineWriter _writer;
+    /// Keeps status lines in the order of their times.
+    std::mutex _mutex;
     ErrorLineBuffer _errorLineBuffer{*this};
     std::ostream _errorLines{&_errorLineBuffer};
 };

@@ -8,6 +8,7 @@
 #include "app/AttributeText.h"
 #include "app/ClockText.h"
 #include "app/Console.h"
+#include "app/Notice.h"
 #include "app/ReportFile.h"
 #include "framework/Node.h"
 
@@ -18,6 +19,7 @@ namespace {
 /// Reports of one phase appear together; after so long, in microseconds, without another the phase is over.
 constexpr Poco::Clock::ClockDiff settleTime = 1'000'000;
 constexpr Poco::Clock::ClockDiff microsecondsPerSecond = 1'000'000;
+constexpr Poco::Timestamp::TimeDiff microsecondsPerMinute = 60 * microsecondsPerSecond;
 
 std::string countText(std::size_t count, const std::string& noun) {
     return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
@@ -33,6 +35,16 @@ std::string periodText(std::chrono::seconds period) {
 
 std::string describe(const GpInfo& gp) {
     return "GP " + std::to_string(gp.id) + " of job " + gp.jobId + ", ended " + clockText(gp.end);
+}
+
+std::int64_t minuteOf(Poco::Timestamp time) {
+    return time.epochMicroseconds() / microsecondsPerMinute;
+}
+
+std::chrono::milliseconds untilNextSecond() {
+    const auto passed = Poco::Timestamp().epochMicroseconds() % microsecondsPerSecond;
+    return std::chrono::ceil<std::chrono::milliseconds>(
+        std::chrono::microseconds(microsecondsPerSecond - passed));
 }
 
 }  // namespace
@@ -68,12 +80,16 @@ void RunStatus::showCapabilities(const Node& node) {
     }
 }
 
-void RunStatus::tick(const Node& node) {
+std::optional<std::chrono::milliseconds> RunStatus::tick(const Node& node) {
     std::lock_guard lock(_mutex);
     if (_phase.reports > 0 && _phase.lastReport.isElapsed(settleTime)) {
         endPhase();
     }
+    if (!_console.isTerminal()) {
+        return untilPhaseEnds();
+    }
     _console.showProgress(progressText(node));
+    return untilNextSecond();
 }
 
 void RunStatus::reportPublished(const std::filesystem::path& path) {
@@ -82,8 +98,8 @@ void RunStatus::reportPublished(const std::filesystem::path& path) {
     std::string holds = ", and gone again";
     try {
         facts = readReportFacts(path);
-        holds = ": " + std::to_string(facts.bytes) + " bytes, " + countText(facts.blocks, "block") + ", " +
-                countText(facts.values, "value");
+        holds = ": " + std::to_string(facts.bytes) + " bytes, " + (facts.isComplete ? "" : "at least ") +
+                countText(facts.blocks, "block") + ", " + countText(facts.values, "value");
     } catch (const std::exception&) {
         // A client may take a report away as soon as it is there.
     }
@@ -92,6 +108,11 @@ void RunStatus::reportPublished(const std::filesystem::path& path) {
     _phase.values += facts.values;
     _phase.lastReport.update();
     _console.say("published " + path.string() + holds);
+    _news.set();
+}
+
+void RunStatus::reportsMissed(const std::string& reason) {
+    _console.writeError("vor-node: reports are published, but not all are shown: " + reason);
 }
 
 std::size_t RunStatus::phasesPublished() const {
@@ -142,14 +163,11 @@ void RunStatus::gpWithdrawn(const GpInfo& gp) {
 void RunStatus::gpFetched(const GpInfo& gp) {
     std::lock_guard lock(_mutex);
     _unread.erase(gp.id);
-    if (_phase.open && _phase.gpEnd != gp.end) {
+    if (_phase.open && _phase.minute != minuteOf(gp.end)) {
         endPhase();
     }
     if (!_phase.open) {
-        _phase.open = true;
-        _phase.gpEnd = gp.end;
-        _phase.opened.update();
-        _console.say("collection phase opened by " + describe(gp));
+        openPhase(gp);
     }
     ++_phase.fetched;
 }
@@ -174,14 +192,30 @@ void RunStatus::periodLost(const std::string& jobId, const std::string& reason) 
     complain("a period of job " + jobId + " is lost: " + reason);
 }
 
+void RunStatus::openPhase(const GpInfo& gp) {
+    _phase.open = true;
+    _phase.minute = minuteOf(gp.end);
+    _phase.opened.update();
+    _console.say("collection phase opened by " + describe(gp));
+}
+
 void RunStatus::endPhase() {
     _console.say("collection phase ended: " + countText(_phase.fetched, "GP") + " fetched, " +
                  countText(_phase.reports, "report") + " published with " +
                  countText(_phase.values, "value"));
     if (_phase.reports > 0) {
         ++_phasesPublished;
+        _news.set();
     }
     _phase = Phase{};
+}
+
+std::optional<std::chrono::milliseconds> RunStatus::untilPhaseEnds() const {
+    if (_phase.reports == 0) {
+        return std::nullopt;
+    }
+    const auto left = std::max<Poco::Clock::ClockDiff>(0, settleTime - _phase.lastReport.elapsed());
+    return std::chrono::ceil<std::chrono::milliseconds>(std::chrono::microseconds(left));
 }
 
 std::string RunStatus::progressText(const Node& node) const {

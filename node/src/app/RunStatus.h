@@ -1,9 +1,11 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -16,15 +18,18 @@ namespace VorNode {
 
 class Console;
 class Node;
+class Notice;
 
 /// Tells people what the node does, and remembers what went wrong. Owned by the application, which ticks it;
 /// it hears of GPs and reports on any thread.
 ///
-/// A collection phase, as it is seen from here, opens with the first GP of a period's end that is fetched. It
-/// ends when reports have appeared and none has followed for a moment, or when the next one opens.
+/// A collection phase, as it is seen from here, opens with the first GP that ended in a minute and is
+/// fetched. It ends when reports have appeared and none has followed for a moment, or when the next one
+/// opens.
 class RunStatus : public PmServiceListener {
   public:
-    explicit RunStatus(Console& console) : _console(console) {}
+    /// Both outlive the status; the news are that a tick is due.
+    RunStatus(Console& console, Notice& news) : _console(console), _news(news) {}
 
     void showStart(const Node& node);
 
@@ -33,8 +38,11 @@ class RunStatus : public PmServiceListener {
 
     void reportPublished(const std::filesystem::path& path);
 
-    /// To be called several times a second.
-    void tick(const Node& node);
+    /// Reports appear without being told of, for the reason given.
+    void reportsMissed(const std::string& reason);
+
+    /// To be called at every news, and again when the time in the result is over, if there is one.
+    std::optional<std::chrono::milliseconds> tick(const Node& node);
 
     /// Collection phases that ended and published something.
     std::size_t phasesPublished() const;
@@ -59,8 +67,8 @@ class RunStatus : public PmServiceListener {
   private:
     struct Phase {
         bool open = false;
-        /// When the GPs of the phase ended.
-        Poco::Timestamp gpEnd;
+        /// In which the GPs of the phase ended, counted since the Unix epoch.
+        std::int64_t minute = 0;
         std::size_t fetched = 0;
         std::size_t reports = 0;
         std::size_t values = 0;
@@ -69,10 +77,13 @@ class RunStatus : public PmServiceListener {
     };
 
     // With the lock held.
+    void openPhase(const GpInfo& gp);
     void endPhase();
+    std::optional<std::chrono::milliseconds> untilPhaseEnds() const;
     std::string progressText(const Node& node) const;
 
     Console& _console;
+    Notice& _news;
     /// Guards everything below.
     mutable std::mutex _mutex;
     Phase _phase;
