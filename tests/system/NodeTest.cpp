@@ -219,7 +219,7 @@ TEST(Node, PublishesKernelCountersThatReadTheSameByPlaceAndByNumber) {
             VorNode::InstallPaths::ofThisProgram().model.string() + "' ../model.xml",
         "CET-1");
     run.node->start();
-    std::istringstream course("2026-03-05T10:14:59+01:00 released released released released released");
+    std::istringstream course("2026-03-05T10:14:58+01:00 released released released released released");
     run.await(course);
     run.node->stop();
 
