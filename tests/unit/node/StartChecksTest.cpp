@@ -8,6 +8,7 @@
 #include "Findings.h"
 #include "InputFile.h"
 #include "TemporaryRoot.h"
+#include "counters/JsonNode.h"
 #include "counters/KernelCounters.h"
 #include "counters/RecordedCounters.h"
 #include "framework/NodeInput.h"
@@ -209,17 +210,22 @@ TEST(NodeInput, RefusesAClassThatTheProducerDoesNotHave) {
 
 TEST(NodeInput, WarnsOfWhatVersion1LeavesOut) {
     const struct {
+        const char* versions;
         const char* value;
         bool isLeftOut;
-    } rows[]{{"\"int\":1", false}, {"\"float\":1", false}, {"\"ints\":[1]", true}, {"\"nil\":true", true}};
+    } rows[]{{"1", "\"int\":1", false},
+             {"1", "\"float\":1", false},
+             {"1", "\"ints\":[1]", true},
+             {"1", "\"nil\":true", true},
+             {"1 2", "\"nil\":true", false}};
     for (const auto& row : rows) {
         const RecordedFile recorded(
             R"({"jobs":{"J1":{"classes":[{"objects":[{"ldn":"","values":[{"type":"a",)" +
             std::string(row.value) + "}]}]}]}}}");
         RecordedCounters counters(recorded.file.path());
         Input given;
-        given.configuration =
-            "<C><VorPmComp/><VorNode>\n<pmServiceVersions>1</pmServiceVersions></VorNode></C>";
+        given.configuration = "<C><VorPmComp/><VorNode>\n<pmServiceVersions>" + std::string(row.versions) +
+                              "</pmServiceVersions></VorNode></C>";
         given.read();
         checkMeasuring(given.input, counters, given.findings);
         EXPECT_EQ(std::ranges::count(given.findings.warnings(), 1,
@@ -239,6 +245,17 @@ TEST(RecordedCounters, WarnOfAJobThatTheModelDoesNotHave) {
 
     EXPECT_THAT(counters.warnings({"J1", "J2"}),
                 ElementsAre(StartsWith(recorded.file.path() + ":2: the model has no active job J,")));
+}
+
+TEST(JsonNode, HasALineAmongOthersLikeIt) {
+    const RecordedFile document("{\"a\": {\"x\": [1,\n2]},\n\"b\": {\"x\": [1,\n2]}}");
+    const struct {
+        std::vector<std::string> path;
+        int line;
+    } rows[]{{{}, 1},   {{"a", "x", "1"}, 2}, {{"b"}, 3}, {{"b", "x", "0"}, 3}, {{"b", "x", "1"}, 4},
+             {{"c"}, 0}};
+    for (const auto& row : rows)
+        EXPECT_EQ(lineOfValue(document.file.path(), row.path), row.line) << testing::PrintToString(row.path);
 }
 
 TEST(KernelCounters, WarnOfFoldersWithoutCounters) {
