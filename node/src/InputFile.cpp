@@ -14,7 +14,7 @@ namespace VorNode {
 
 namespace {
 
-constexpr off_t largest = 64 * 1024 * 1024;
+constexpr off_t largest = off_t{64} * 1024 * 1024;
 
 [[noreturn]] void refuseUnreadable(const std::string& path, const std::string& kind) {
     throw InputError(path, 0,

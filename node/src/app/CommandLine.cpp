@@ -17,7 +17,7 @@ constexpr char description[] =
 constexpr char exitStatus[] =
     "Exit status: 0 what was fetched is published, and all is released; 1 something went wrong while "
     "running;\n"
-    "2 the command line, configuration, model or recorded counters cannot be used.";
+    "2 the command line, configuration, model, recorded counters or storage cannot be used.";
 
 /// A folder under the user's state directory.
 fs::path defaultRoot() {

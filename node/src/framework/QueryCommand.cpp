@@ -20,7 +20,7 @@ namespace VorNode {
 namespace {
 
 constexpr int commandNotFound = 127;
-constexpr std::size_t longestAnswer = 64 * 1024;
+constexpr std::size_t longestAnswer = 65'536;
 
 [[noreturn]] void failWithErrno(const char* step) {
     throw std::runtime_error(std::string(step) + ": " + std::generic_category().message(errno));
@@ -45,6 +45,7 @@ class Child {
   public:
     Child(std::vector<std::string> command, int output) {
         std::vector<char*> arguments;
+        arguments.reserve(command.size() + 1);
         for (std::string& part : command) {
             arguments.push_back(part.data());
         }

@@ -57,7 +57,7 @@ std::optional<std::string> faultInValue(const AttributeValue& value, std::string
     }
     if (const auto* members = std::get_if<StructValue>(&value)) {
         for (const auto& [name, text] : *members) {
-            if (const auto fault = faultInText(text, refused)) {
+            if (auto fault = faultInText(text, refused)) {
                 return fault;
             }
         }
