@@ -48,6 +48,17 @@ PmDescriptor openRegularFile(const std::string& path, int flags) {
     return file;
 }
 
+bool isOtherThanFile(const std::string& path) {
+    const int reason = errno;
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0 || S_ISREG(status.st_mode)) {
+        errno = reason;
+        return false;
+    }
+    errno = S_ISLNK(status.st_mode) ? ELOOP : ENXIO;
+    return true;
+}
+
 PmDescriptor openFileWithOneName(const std::string& path, int flags) {
     PmDescriptor file = openRegularFile(path, flags);
     struct stat status {};

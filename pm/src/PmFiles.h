@@ -29,7 +29,11 @@ class PmDescriptor {
 /// open, `errno` has the reason: ELOOP for a link, ENXIO for what is neither file nor link.
 PmDescriptor openRegularFile(const std::string& path, int flags);
 
-/// The same for a file that has no other name; with one, the reason is EMLINK.
+/// True when something else than a regular file stands at the path; `errno` becomes ELOOP or ENXIO as above.
+/// Else `errno` stays.
+bool isOtherThanFile(const std::string& path);
+
+/// As `openRegularFile` for a file that has no other name; with one, the reason is EMLINK.
 PmDescriptor openFileWithOneName(const std::string& path, int flags);
 
 /// Opens a folder; the path may be a link to it.

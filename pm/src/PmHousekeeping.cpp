@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 #include <system_error>
-#include <vector>
 
 #include "PmFiles.h"
 #include "PmLog.h"
@@ -17,19 +16,17 @@ namespace VorPm {
 
 namespace {
 
+/// All that happens here is logged under this operation.
+constexpr char operation[] = "performHousekeeping";
+
 /// The names of reports by their ordering key, the oldest first.
 using Reports = std::map<std::string, std::string>;
-
-struct FolderContents {
-    Reports reports;
-    std::vector<std::string> strays;
-};
 
 bool isMarker(const std::string& name) {
     return name == noDirectoryCreateMarker || name == noDirectoryDeleteMarker || name == noHousekeepingMarker;
 }
 
-/// Empty for a name that is not a report's; that can show only when the key is made.
+/// Empty for a name that is not a report's; some names pass the test and still make no key.
 std::string keyOf(const std::string& name) {
     try {
         return isValidROPFileName(name) ? generateKey(name) : std::string();
@@ -38,29 +35,61 @@ std::string keyOf(const std::string& name) {
     }
 }
 
-FolderContents sortOut(const std::vector<std::string>& names) {
-    FolderContents contents;
-    for (const std::string& name : names) {
+/// Throws `std::system_error` when the folder cannot be read to its end.
+Reports reportsIn(const PmDescriptor& folder) {
+    Reports reports;
+    for (const std::string& name : entriesOf(folder)) {
         if (isMarker(name)) {
             continue;
         }
         const std::string key = keyOf(name);
         if (key.empty()) {
-            contents.strays.push_back(name);
+            LOG_WARNING_IN(operation, "%s is not an ROP file and it will not be considered for housekeeping",
+                           name.c_str());
         } else {
-            contents.reports.emplace(key, name);
+            reports.emplace(key, name);
         }
     }
-    return contents;
+    return reports;
 }
 
-/// The names of the oldest reports, down to those that are kept.
-std::vector<std::string> excessOf(const Reports& reports, std::size_t kept) {
-    std::vector<std::string> names;
-    for (auto oldest = reports.begin(); names.size() + kept < reports.size(); ++oldest) {
-        names.push_back(oldest->second);
+/// A client may have removed the report already, and one that cannot be removed must not prevent the removal
+/// of the others.
+void removeReport(const PmDescriptor& folder, const std::string& folderPath, const std::string& name) {
+    const int reason = removeEntry(folder, name);
+    if (reason == ENOENT) {
+        LOG_TRACE_IN(operation, "ROP file %s/%s does not exist", folderPath.c_str(), name.c_str());
+    } else if (reason != 0) {
+        LOG_WARNING_IN(operation, "Could not remove ROP file %s/%s: %s", folderPath.c_str(), name.c_str(),
+                       std::strerror(reason));
     }
-    return names;
+}
+
+void removeOldest(const PmDescriptor& folder, const std::string& folderPath, const Reports& reports,
+                  std::size_t count) {
+    LOG_TRACE_IN(operation, "Removing %d old ROP files", static_cast<int>(count));
+    for (auto oldest = reports.begin(); count > 0; ++oldest, --count) {
+        removeReport(folder, folderPath, oldest->second);
+    }
+}
+
+/// False, with a message, when the report folder cannot be read.
+bool trimReportFolder(std::size_t maximum) {
+    std::string path;
+    try {
+        path = getReportFileLocation();
+        const PmDescriptor folder = openFolder(path);
+        const Reports reports = reportsIn(folder);
+        if (reports.size() > maximum) {
+            removeOldest(folder, path, reports, reports.size() - maximum);
+        }
+        return true;
+    } catch (const Vor::VorException& fault) {
+        LOG_ERROR_IN(operation, "Failed fetching report location: %s", fault.what());
+    } catch (...) {
+        LOG_WARNING_IN(operation, "Could not access directory %s, for housekeeping", path.c_str());
+    }
+    return false;
 }
 
 /// Throws `std::system_error` at the first entry that cannot be removed.
@@ -74,49 +103,26 @@ void emptyFolder(const std::string& path) {
     }
 }
 
+void emptyTemporaryFolder() {
+    std::string path;
+    try {
+        path = getReportFileTempLocation();
+        emptyFolder(path);
+    } catch (const Vor::VorException& fault) {
+        LOG_ERROR_IN(operation, "Failed fetching temporary report location: %s", fault.what());
+    } catch (...) {
+        LOG_WARNING_IN(operation, "Could not remove temporary files in directory %s", path.c_str());
+    }
+}
+
 }  // namespace
 
 void performHousekeeping(unsigned short maxNoOfPmFiles) {
     LOG_TRACE(" >> ");
-    std::string path;
-    try {
-        path = getReportFileLocation();
-        const PmDescriptor folder = openFolder(path);
-        const FolderContents contents = sortOut(entriesOf(folder));
-        for (const std::string& name : contents.strays) {
-            LOG_WARNING("%s is not an ROP file and it will not be considered for housekeeping", name.c_str());
-        }
-        const std::vector<std::string> excess = excessOf(contents.reports, maxNoOfPmFiles);
-        if (!excess.empty()) {
-            LOG_TRACE("Removing %d old ROP files", static_cast<int>(excess.size()));
-        }
-        for (const std::string& name : excess) {
-            // A client may delete what it has fetched, and what cannot be removed must not keep the others.
-            const int reason = removeEntry(folder, name);
-            if (reason == ENOENT) {
-                LOG_TRACE("ROP file %s/%s does not exist", path.c_str(), name.c_str());
-            } else if (reason != 0) {
-                LOG_WARNING("Could not remove ROP file %s/%s: %s", path.c_str(), name.c_str(),
-                            std::strerror(reason));
-            }
-        }
-    } catch (const Vor::VorException& fault) {
-        LOG_ERROR("Failed fetching report location: %s", fault.what());
-        return;
-    } catch (...) {
-        LOG_WARNING("Could not access directory %s, for housekeeping", path.c_str());
-        return;
+    if (trimReportFolder(maxNoOfPmFiles)) {
+        emptyTemporaryFolder();
+        LOG_TRACE(" << ");
     }
-    std::string temporaryFolder;
-    try {
-        temporaryFolder = getReportFileTempLocation();
-        emptyFolder(temporaryFolder);
-    } catch (const Vor::VorException& fault) {
-        LOG_ERROR("Failed fetching temporary report location: %s", fault.what());
-    } catch (...) {
-        LOG_WARNING("Could not remove temporary files in directory %s", temporaryFolder.c_str());
-    }
-    LOG_TRACE(" << ");
 }
 
 }  // namespace VorPm

@@ -4,10 +4,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ostream>
 
+#include <Poco/BufferedStreamBuf.h>
 #include <Poco/DeflatingStream.h>
 #include <Poco/Exception.h>
-#include <Poco/FileStream.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -34,20 +35,46 @@ void syncToDisk(const PmDescriptor& opened, const std::string& path) {
     }
 }
 
-/// True when opening found something else than a regular file; `errno` stays.
-bool isOtherThanFile(const PmDescriptor& opened) {
-    return !opened.isOpen() && (errno == ELOOP || errno == ENXIO);
+/// Says why the report stays where it is, by `errno`.
+void logRefusal(const char* operation, const std::string& from, const std::string& destination) {
+    LOG_ERROR_IN(operation, "Error copying file %s -> %s, reason %s", from.c_str(), destination.c_str(),
+                 std::strerror(errno));
 }
 
-/// Brings the report to the disk, then to its destination. False, with `errno`, when it stays where it is;
+/// Brings the report to the disk, then to its destination. False, with a message, when it stays where it is;
 /// what has taken its place meanwhile is not moved either.
-bool moveReport(const std::string& from, const std::string& destination) {
+bool moveReport(const char* operation, const std::string& from, const std::string& destination) {
     const PmDescriptor report = openRegularFile(from, O_RDONLY);
-    if (isOtherThanFile(report)) {
+    if (!report.isOpen() && isOtherThanFile(from)) {
+        logRefusal(operation, from, destination);
         return false;
     }
     syncToDisk(report, from);
-    return std::rename(from.c_str(), destination.c_str()) == 0;
+    const bool moved = std::rename(from.c_str(), destination.c_str()) == 0;
+    if (!moved) {
+        logRefusal(operation, from, destination);
+    }
+    return moved;
+}
+
+/// Writes to an open file. A write that the file refuses, in part too, makes the stream bad.
+class FileBuffer : public Poco::BufferedStreamBuf {
+  public:
+    explicit FileBuffer(const PmDescriptor& file)
+        : BasicBufferedStreamBuf(bufferSize, std::ios::out), _file(file) {}
+
+  private:
+    int writeToDevice(const char* text, std::streamsize size) override {
+        return static_cast<int>(::write(_file.get(), text, static_cast<std::size_t>(size)));
+    }
+
+    const PmDescriptor& _file;
+};
+
+void requireOpen(const PmDescriptor& file, const std::string& path) {
+    if (!file.isOpen()) {
+        throw Poco::OpenFileException(path);
+    }
 }
 
 void requireGood(const std::ios& stream, const std::string& path) {
@@ -56,11 +83,8 @@ void requireGood(const std::ios& stream, const std::string& path) {
     }
 }
 
-/// Throws when the file could not be opened, or not all of it be read.
+/// Throws when not all of the file could be read.
 void copy(const PmDescriptor& file, const std::string& path, std::ostream& output) {
-    if (!file.isOpen()) {
-        throw Poco::OpenFileException(path);
-    }
     std::array<char, bufferSize> buffer;
     ssize_t size = 0;
     while ((size = ::read(file.get(), buffer.data(), buffer.size())) > 0) {
@@ -72,11 +96,16 @@ void copy(const PmDescriptor& file, const std::string& path, std::ostream& outpu
 }
 
 /// Writes the compressed form of a file. Throws when any of its bytes could not be read or written: the
-/// deflating stream can look good while only the stream under it went bad, so both are looked at.
+/// deflating stream can look good while only the stream under it went bad, and some file systems refuse what
+/// was written only when the file is closed.
 void compress(const PmDescriptor& plain, const std::string& plainPath, const std::string& compressedPath) {
-    // What stands there already may be a link, which must not be written through.
+    requireOpen(plain, plainPath);
+    // What an earlier run left there.
     ::unlink(compressedPath.c_str());
-    Poco::FileOutputStream output(compressedPath, std::ios::out | std::ios::trunc | std::ios::binary);
+    PmDescriptor compressed = openRegularFile(compressedPath, O_WRONLY | O_CREAT | O_EXCL);
+    requireOpen(compressed, compressedPath);
+    FileBuffer buffer(compressed);
+    std::ostream output(&buffer);
     Poco::DeflatingOutputStream deflater(output, Poco::DeflatingStreamBuf::STREAM_GZIP,
                                          defaultCompressionLevel);
     copy(plain, plainPath, deflater);
@@ -85,8 +114,9 @@ void compress(const PmDescriptor& plain, const std::string& plainPath, const std
         throw Poco::WriteFileException(compressedPath);
     }
     requireGood(output, compressedPath);
-    output.close();
-    requireGood(output, compressedPath);
+    if (::close(compressed.release()) != 0) {
+        throw Poco::WriteFileException(compressedPath);
+    }
 }
 
 }  // namespace
@@ -95,12 +125,7 @@ bool publishReport(const std::string& tempPath) {
     LOG_TRACE(" >> ");
     bool published = false;
     try {
-        const std::string destination = destinationOf(tempPath);
-        published = moveReport(tempPath, destination);
-        if (!published) {
-            LOG_ERROR("Error copying file %s -> %s, reason %s", tempPath.c_str(), destination.c_str(),
-                      std::strerror(errno));
-        }
+        published = moveReport(__func__, tempPath, destinationOf(tempPath));
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Failed fetching report location: %s", fault.what());
     } catch (...) {
@@ -113,20 +138,16 @@ bool publishReport(const std::string& tempPath) {
 bool publishGzipReport(const std::string& tempPath) {
     LOG_TRACE(" >> ");
     bool published = false;
-    const std::string compressedPath = tempPath + ".gz";
+    std::string compressedPath;
     try {
+        compressedPath = tempPath + ".gz";
         const std::string destination = destinationOf(compressedPath);
-        const PmDescriptor plain = openFileWithOneName(tempPath, O_RDONLY);
-        if (isOtherThanFile(plain)) {
-            LOG_ERROR("Error copying file %s -> %s, reason %s", tempPath.c_str(), destination.c_str(),
-                      std::strerror(errno));
+        const PmDescriptor plain = openRegularFile(tempPath, O_RDONLY);
+        if (!plain.isOpen() && isOtherThanFile(tempPath)) {
+            logRefusal(__func__, tempPath, destination);
         } else {
             compress(plain, tempPath, compressedPath);
-            published = moveReport(compressedPath, destination);
-            if (!published) {
-                LOG_ERROR("Error copying file %s -> %s, reason %s", compressedPath.c_str(),
-                          destination.c_str(), std::strerror(errno));
-            }
+            published = moveReport(__func__, compressedPath, destination);
         }
         if (published) {
             ::unlink(tempPath.c_str());
@@ -148,6 +169,8 @@ void syncReportFolder() {
         syncToDisk(openFolder(folder), folder);
     } catch (const Vor::VorException& fault) {
         LOG_ERROR("Failed fetching report location: %s", fault.what());
+    } catch (...) {
+        LOG_WARNING("Could not sync the report folder to disk");
     }
 }
 

@@ -79,7 +79,7 @@ void PmReportFile::abandon() {
 }
 
 bool PmReportFile::rewind() {
-    // Moving flushes first; when that fails nothing is buffered any more, and moving to what is left
+    // `fseek` flushes first. When the flush fails, the stream has dropped its buffer, and a second `fseek`
     // succeeds.
     if (std::fseek(_file.get(), lastGoodPosition(), SEEK_SET) != 0) {
         forgetLostEnds();

@@ -13,7 +13,8 @@
 namespace VorPm {
 
 /// The file of one report while it is written: knows where the last complete GP ends and goes back there.
-/// Owned by its report writer, used by the worker only. Failures are told by results; `errno` has the reason.
+/// Owned by its report writer, used by the worker only. Failures show in the results; after `open` and
+/// `rewind` `errno` has the reason.
 ///
 /// The text of a GP is collected in the thread's buffer and goes to the stream in large pieces, all of it
 /// before the GP counts as complete. A stream throws its own buffer away when a flush fails, so GPs that were
@@ -53,19 +54,21 @@ class PmReportFile {
     /// The GP that was being written has failed.
     void abandon();
 
-    /// False when there is something behind the last complete GP, or was to be.
+    /// True when nothing of a failed GP follows the last complete one, in the file or in a buffer.
     bool isAtGoodEnd() const { return !_abandoned; }
 
     /// The end of the last complete GP; 0 when there is none.
     long lastGoodPosition() const { return _goodEnds.empty() ? 0 : _goodEnds.back(); }
 
-    /// Goes back to the end of the last complete GP and cuts off what follows it. It is empty when there is
-    /// none.
+    /// Goes back to the end of the last complete GP and cuts off what follows it; without a complete GP the
+    /// file is empty then.
     bool rewind();
 
     /// Hands over what is collected, flushes and closes the file; false unless everything written is in it.
-    /// Then none of its GPs gets into a report.
+    /// Then the report must not be published, and all its GPs count as lost.
     bool finish();
+
+    bool hasLostGps() const { return _lostGps > 0; }
 
     /// The number of complete GPs that failed writes have taken since the last call.
     std::size_t takeLostGps() { return std::exchange(_lostGps, 0); }
@@ -96,7 +99,7 @@ class PmReportFile {
     std::size_t _lostGps = 0;
     /// Valid from `begin` to the thread's next one, for whatever report, and on that thread only.
     PmReportBuffer* _buffer = nullptr;
-    /// Some of a failed GP's text was made since the end of the last complete one was marked or gone back to.
+    /// Text of a failed GP may follow the last complete one.
     bool _abandoned = false;
 };
 

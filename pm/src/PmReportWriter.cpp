@@ -23,7 +23,7 @@ constexpr char valueEnd[] = "</r>\n";
 
 constexpr char writeFailure[] = "Error writing to file, errcode-1";
 
-/// The operation of what a failed write did, wherever it is noticed.
+/// Failed writes are logged under this operation, whichever function notices them.
 constexpr char writeOperation[] = "writeToFile";
 
 const char* textOf(const char* text) {
@@ -80,12 +80,12 @@ void PmReportWriter::writeToFile() {
 }
 
 void PmReportWriter::failWrite() {
-    LOG_ERROR_IN(writeOperation, "%s", writeFailure);
-    tellOfLostGps();
+    logFailedWrite();
     throw std::ios_base::failure(writeFailure);
 }
 
-void PmReportWriter::tellOfLostGps() {
+void PmReportWriter::logFailedWrite() {
+    LOG_ERROR_IN(writeOperation, "%s", writeFailure);
     const std::size_t lost = _file.takeLostGps();
     if (lost > 0) {
         LOG_WARNING_IN(writeOperation, "%zu complete GPs of %s are lost with the failed write", lost,
@@ -130,12 +130,22 @@ bool PmReportWriter::write(PmGpData& gp) {
 
 /// What an earlier GP left behind when it failed must not stand between the GPs that are complete.
 bool PmReportWriter::returnToLastGoodPosition() {
-    const bool returned = _file.isAtGoodEnd() || _file.rewind();
+    const bool returned = _file.isAtGoodEnd() || rewindFile();
     if (!returned) {
         LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
     }
-    tellOfLostGps();
     return returned;
+}
+
+/// Going back writes what the stream still holds, and complete GPs may be lost with that write, too.
+bool PmReportWriter::rewindFile() {
+    const bool rewound = _file.rewind();
+    const int reason = errno;
+    if (_file.hasLostGps()) {
+        logFailedWrite();
+    }
+    errno = reason;
+    return rewound;
 }
 
 template <class TraitsT>
@@ -247,11 +257,10 @@ bool PmReportWriter::finalizeReport() {
         bool atGoodEnd = _file.isAtGoodEnd();
         if (!atGoodEnd) {
             LOG_WARNING("Found file in broken state, rewinding.");
-            atGoodEnd = _file.rewind();
+            atGoodEnd = rewindFile();
             if (!atGoodEnd) {
                 LOG_ERROR("Error truncating file %s: %s", _filePath.c_str(), std::strerror(errno));
             }
-            tellOfLostGps();
         }
         // Without a complete GP there is nothing to report.
         if (atGoodEnd && _file.lastGoodPosition() > 0) {

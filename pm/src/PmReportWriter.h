@@ -92,9 +92,11 @@ class PmReportWriter {
     template <class MeasObjClassT>
     void appendMeasValues(const MeasObjClassT& measClass);
 
-    /// False when the name would lead out of the temporary folder, too.
+    /// False, with `errno`, when the file cannot be opened or its name holds a '/'.
     bool createFile();
     bool returnToLastGoodPosition();
+    /// False, with `errno`, when the file cannot be cut off behind the last complete GP.
+    bool rewindFile();
     void checkInterrupt();
     void buildFilePath();
     /// The time of day in the report's name, in local form with the offset from UTC.
@@ -126,10 +128,10 @@ class PmReportWriter {
     /// Hands all that is collected to the stream; fails like the other, under the same name.
     void writeToFile();
     [[noreturn]] void failWrite();
-    /// A failed write may take GPs that were complete, which were told to be written.
-    void tellOfLostGps();
+    /// Logs the failed write, and how many GPs it lost that were already reported as written.
+    void logFailedWrite();
 
-    /// Those of the class being written; the names are the GP's.
+    /// The types of the class that is being written; their names belong to the GP.
     PmMeasTypes _measTypes;
     const std::string _jobGroup;
     /// Times are told in UTC, not in the local zone.

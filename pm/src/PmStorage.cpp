@@ -38,8 +38,8 @@ class Location {
     std::string _path;
 };
 
-// Made when the library is loaded, and so destroyed after the component, which publishes what is open at its
-// end.
+// Made when the library is loaded, and so destroyed after the component, which publishes what is open when it
+// is destroyed.
 Location reportFileLocation(getNoBackupFromVorEa, reportFilesFolderName);
 Location reportFileTempLocation(getNoBackupFromVorEa, temporaryFilesFolderName);
 Location reportSymlinkLocation(getInternalRootFromVorEa, reportFilesFolderName);
@@ -51,7 +51,7 @@ void createReportFolder(const std::string& path) {
     }
 }
 
-/// What the folder holds is removed time and again, so a link to a folder of somebody else's is not taken.
+/// The folder is emptied regularly, so a link to somebody else's folder is refused.
 void requireFolderItself(const std::string& path) {
     const Poco::File folder(path);
     if (folder.isLink() || !folder.isDirectory()) {

@@ -17,6 +17,7 @@ namespace VorTest {
 namespace {
 
 bool isLockingSupported = true;
+bool isClosingRefused = false;
 /// Negative when a folder is read to its end.
 int readableEntries = -1;
 
@@ -28,6 +29,17 @@ extern "C" int flock(int descriptor, int operation) noexcept {
     if (VorTest::isLockingSupported)
         return static_cast<int>(::syscall(SYS_flock, descriptor, operation));
     errno = ENOLCK;
+    return -1;
+}
+
+/// The same for a file system that refuses what was written only when the file is closed.
+extern "C" int close(int descriptor) {
+    const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
+    const bool isRefused = VorTest::isClosingRefused && VorTest::fs::read_symlink(link).extension() == ".gz";
+    const auto result = static_cast<int>(::syscall(SYS_close, descriptor));
+    if (!isRefused)
+        return result;
+    errno = EDQUOT;
     return -1;
 }
 
@@ -142,6 +154,16 @@ TEST_F(PmPublishing, DoesNotWaitForAFifoThatTookTheReportsPlace) {
     ASSERT_EQ(::mkfifo(temporary.c_str(), 0600), 0);
     EXPECT_FALSE(publishReport(temporary) || publishGzipReport(temporary));
     EXPECT_EQ(TemporaryRoot::filesIn(reportFolder), Texts{});
+}
+
+TEST_F(PmPublishing, PublishesThePlainReportWhenClosingTheCompressedOneIsRefused) {
+    root.createReportFolders();
+    writeFile(temporaryFolder + "/X.xml", "text");
+    isClosingRefused = true;
+    const bool isPublishedCompressed = publishGzipReport(temporaryFolder + "/X.xml");
+    isClosingRefused = false;
+    EXPECT_FALSE(isPublishedCompressed);
+    EXPECT_EQ(shortened(listing()), "R/X.xml=text T/");
 }
 
 TEST_F(PmPublishing, SyncsAReportFolderThatIsReachedByALink) {

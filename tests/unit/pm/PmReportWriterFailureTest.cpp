@@ -136,7 +136,7 @@ TEST_F(PmReportWriterFailureTest, LeavesOutAnInterruptedGpAndWhatTheFileDoesNotH
         finalize(*writer, start(1, 1, room) + blocks[3] + blocks[4]);
         Texts expected{unknown, interrupted, interrupted};
         if (room < start(1, 1).size())
-            expected.insert(expected.begin() + 2, "4 writeToFile 1" + lostOf);
+            expected.insert(expected.begin() + 2, {"3 writeToFile " + refused, "4 writeToFile 1" + lostOf});
         ASSERT_EQ(messages(), expected) << room;
     }
 }
