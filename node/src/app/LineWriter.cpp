@@ -17,7 +17,7 @@ namespace VorNode {
 
 namespace {
 
-constexpr std::size_t mostBytesQueued = 1024 * 1024;
+constexpr std::size_t mostBytesQueued = std::size_t{1024} * 1024;
 constexpr long millisecondsToEnd = 1000;
 
 /// False when it cannot be written; a reader may take its time.

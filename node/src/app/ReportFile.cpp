@@ -13,7 +13,7 @@ namespace VorNode {
 
 namespace {
 
-constexpr std::size_t mostBytesRead = 64 * 1024 * 1024;
+constexpr std::size_t mostBytesRead = std::size_t{64} * 1024 * 1024;
 
 /// Counts a mark in a text that comes in pieces.
 class MarkCounter {
