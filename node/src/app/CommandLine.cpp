@@ -16,7 +16,7 @@ constexpr char description[] =
     "Runs measurement jobs on this machine and writes their reports (3GPP TS 32.435).";
 constexpr char exitStatus[] =
     "Exit status: 0 what was fetched is published, and all is released; 1 something went wrong while "
-    "running;\n"
+    "running, or a signal came before the node ran;\n"
     "2 the command line, configuration, model, recorded counters or storage cannot be used.";
 
 /// A folder under the user's state directory.
@@ -67,9 +67,9 @@ RunOptions parseCommandLine(int argc, const char* const* argv) {
         ->check(CLI::Validator(checkCounters, "", ""));
     run.add_option("--root", options.node.root, "The node's storage; reports are in no-backup/ below it");
     run.add_option("--library", options.node.library, "The component's shared library");
-    run.add_option(
-           "--reports", options.reports,
-           "End after so many collection phases that published something; 0 runs until SIGINT or SIGTERM")
+    run.add_option("--reports", options.reports,
+                   "End after so many collection phases that published something; 0 runs until SIGINT, "
+                   "SIGTERM or SIGHUP")
         ->check(CLI::Validator(checkReports, "", ""));
     run.add_flag(
         "--capabilities", options.capabilitiesOnly,
